@@ -1,0 +1,24 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
+# Where `cmake --install` puts things below the prefix. Only our files: the framework's install rules are not used.
+
+include (GNUInstallDirs)
+
+set (corvane_bundles "${CMAKE_BINARY_DIR}/source/plugin/CorvaneQ7_artefacts/${CMAKE_BUILD_TYPE}")
+set (CORVANE_BUNDLE_DIR "${CMAKE_INSTALL_LIBDIR}" CACHE STRING "Folder below the prefix that holds vst3/ and lv2/")
+mark_as_advanced (CORVANE_BUNDLE_DIR)
+
+if ("VST3" IN_LIST CORVANE_FORMATS)
+    install (DIRECTORY "${corvane_bundles}/VST3/CorvaneQ7.vst3" DESTINATION "${CORVANE_BUNDLE_DIR}/vst3"
+             USE_SOURCE_PERMISSIONS COMPONENT plugin)
+endif()
+if ("LV2" IN_LIST CORVANE_FORMATS)
+    install (DIRECTORY "${corvane_bundles}/LV2/CorvaneQ7.lv2" DESTINATION "${CORVANE_BUNDLE_DIR}/lv2"
+             USE_SOURCE_PERMISSIONS COMPONENT plugin)
+endif()
+if ("Standalone" IN_LIST CORVANE_FORMATS)
+    install (TARGETS CorvaneQ7_Standalone RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}" BUNDLE DESTINATION .
+             COMPONENT plugin)
+endif()
+if (TARGET corvane-render)
+    install (TARGETS corvane-render RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}" COMPONENT renderer)
+endif()

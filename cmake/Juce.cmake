@@ -1,0 +1,51 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
+# JUCE 7.0.5: the system's package where there is one (Debian), otherwise upstream's tag. The modules are compiled
+# once, into corvane_juce; plug-in, renderer, tests and benchmarks link that one result.
+
+find_package (JUCE 7.0.5 CONFIG QUIET)
+
+if (NOT JUCE_FOUND)
+    include (FetchContent)
+    FetchContent_Declare (JUCE
+        GIT_REPOSITORY https://github.com/juce-framework/JUCE.git
+        GIT_TAG 7.0.5)
+    FetchContent_MakeAvailable (JUCE)
+endif()
+
+add_library (corvane_juce STATIC)
+
+target_link_libraries (corvane_juce PRIVATE
+    juce::juce_audio_processors
+    juce::juce_audio_utils)
+
+target_compile_definitions (corvane_juce PUBLIC
+    JUCE_GLOBAL_MODULE_SETTINGS_INCLUDED=1
+    JUCE_DISPLAY_SPLASH_SCREEN=0                    # the GPL terms under which we take the modules allow it
+    JUCE_USE_CURL=0
+    JUCE_WEB_BROWSER=0
+    JUCE_USE_FLAC=0
+    JUCE_USE_OGGVORBIS=0
+    JUCE_VST3_CAN_REPLACE_VST2=0
+    JUCE_FORCE_USE_LEGACY_PARAM_IDS=1               # the host's parameter index is the table's, for ever
+    JUCE_FORCE_LEGACY_PARAMETER_AUTOMATION_TYPE=1   # ranges stay 0 to 1 in every wrapper
+    JUCE_PLUGINHOST_VST3=$<BOOL:${CORVANE_TESTS}>   # the host classes serve our tests alone
+    JUCE_PLUGINHOST_LV2=$<BOOL:${CORVANE_TESTS}>
+    JUCE_STRICT_REFCOUNTEDPOINTER=1
+    $<$<CONFIG:Debug>:DEBUG=1>
+    $<$<NOT:$<CONFIG:Debug>>:NDEBUG=1>)
+
+# Debian's modules use the system's picture libraries and name them for programs and plug-ins only, ahead of the
+# static library that needs them.
+if (TARGET juce::pkgconfig_JUCE_IMG_LINUX_DEPS)
+    target_link_libraries (corvane_juce PUBLIC juce::pkgconfig_JUCE_IMG_LINUX_DEPS)
+endif()
+
+# What links corvane_juce sees its headers and definitions, but compiles no module again.
+target_include_directories (corvane_juce SYSTEM INTERFACE $<TARGET_PROPERTY:corvane_juce,INCLUDE_DIRECTORIES>)
+target_compile_definitions (corvane_juce INTERFACE $<TARGET_PROPERTY:corvane_juce,COMPILE_DEFINITIONS>)
+set_target_properties (corvane_juce PROPERTIES FOLDER framework)
+
+if (NOT MSVC AND NOT APPLE)
+    target_compile_options (corvane_juce PRIVATE -ffunction-sections -fdata-sections)
+    target_link_options (corvane_juce INTERFACE LINKER:--gc-sections)
+endif()
