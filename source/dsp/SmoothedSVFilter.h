@@ -1,0 +1,50 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "dsp/GlidingFilter.h"
+
+/** One sample of the state-variable filter with trapezoidal integrators; coefficients a1, a2, a3, m0, m1, m2. */
+struct StateVariableResponse
+{
+    static constexpr int numCoefficients = 6;
+
+    static double tick (const double* k, double& s1, double& s2, double x) noexcept
+    {
+        const auto v3 = x - s2;
+        const auto v1 = k[0] * s1 + k[1] * v3;
+        const auto v2 = s2 + k[1] * s1 + k[2] * v3;
+        s1 = 2.0 * v1 - s1;
+        s2 = 2.0 * v2 - s2;
+        return k[3] * x + k[4] * v1 + k[5] * v2;
+    }
+};
+
+/** The detector's filter: second order, with a response that glides and a crossfade in and out.
+
+    A filter that is out (`mix` at rest below 0.5) leaves signal and state as they are and costs one comparison.
+    Shape, rate, threads, errors: GlidingFilter.
+*/
+class SmoothedSVFilter : public GlidingFilter<StateVariableResponse>
+{
+public:
+    enum Type : int { lowPass = 0, highPass, bell, lowShelf, highShelf, bandPass, notch, peak };
+
+    /** Constructed at 1000 Hz, Q 1, gain 1. */
+    explicit SmoothedSVFilter (int initialType) noexcept : type (initialType) {}
+
+    /** Glides to a response over 100 ms. Any thread. Frequency in Hz, gain linear (of a bell's peak or a shelf's
+        plateau). Before the first prepare it only stores. */
+    void setResponse (int newType, double newFrequency, double newQ, double newGain) noexcept;
+
+    /** Lands on the present response with no glide. Stopped; allocates. */
+    void prepare (double newRate, int numChannels, int maxSamples);
+
+    /** Gives the vectors back. Stopped. */
+    void release() { releaseVectors(); }
+
+    int type;
+    double frequency = 1000.0, q = 1.0, gain = 1.0, rate = 44100.0;
+
+private:
+    Coefficients compute() const noexcept;
+};
