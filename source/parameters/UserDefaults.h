@@ -1,0 +1,43 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <juce_audio_processors/juce_audio_processors.h>
+#include <juce_data_structures/juce_data_structures.h>
+
+/** The three machine-wide options and the settings file that keeps them: "Corvane Q7.settings" in the folder
+    "Corvane Plugins" of the user's application data (on Linux that is the home folder).
+
+    A file that is missing, unreadable or damaged reads as the defaults; reading never creates it.
+
+    Threads  message thread, or stopped; it reads a file.
+*/
+class UserDefaults
+{
+public:
+    UserDefaults();
+
+    /** Level in dBu of digital full scale, 16 to 24. Anything else that the file holds reads as 22. */
+    double calibrationDb();
+
+    /** Factor 1 to 16. Anything else that the file holds, or nothing, reads as 1. */
+    int oversampling();
+
+    /** Scale of the editor, limited to 0.7 to 1; 1 when the file holds nothing or no number. */
+    double uiZoom();
+
+    /** Linear gain that puts a level in dBu of digital full scale at the circuit's fixed reference; 0 at -100 and
+        below. 1.1523716865 is the sample value there of a full-scale signal at 0 dBu. */
+    static double calibrationGainFor (double calibrationDb) noexcept;
+
+    /** The inverse, in whole dBu. */
+    static int calibrationDbFor (double calibrationGain) noexcept;
+
+    static constexpr double defaultCalibrationDb = 22.0, lowestCalibrationDb = 16.0, highestCalibrationDb = 24.0;
+    static constexpr int maxOversampling = 16;
+    static constexpr double lowestZoom = 0.7, highestZoom = 1.0;
+
+private:
+    juce::PropertiesFile& file();
+
+    juce::ApplicationProperties properties;
+};

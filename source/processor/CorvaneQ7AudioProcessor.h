@@ -1,0 +1,165 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "dsp/BandCompressor.h"
+#include "dsp/CrossoverFilter.h"
+#include "dsp/OutputTransformer.h"
+#include "dsp/OversamplerChannel.h"
+#include "dsp/nvx/DelayLine.h"
+#include "parameters/FactoryPrograms.h"
+#include "parameters/UserDefaults.h"
+#include "processor/ChannelSettings.h"
+#include "processor/NoiseSource.h"
+#include "processor/RmsFollower.h"
+
+#include <juce_audio_processors/juce_audio_processors.h>
+
+#include <vector>
+
+/** The plug-in: what a host talks to, and the owner of the whole signal path.
+
+    Shape    any number of channels, usually 1 or 2, float, in place; the channels processed are the inputs, outputs
+             beyond them are silent. A block of any length: longer ones than announced are worked off in pieces.
+    Rate     the host's rate fs; the engine runs at fs times the oversampling factor (1 to 16).
+    Latency  0 samples at factor 1, 52 at any other.
+    Threads  processBlock and processBlockBypassed on audio; prepareToPlay, releaseResources and construction when
+             stopped; applySettings, setOversampling, programs and state on any. Control values pass as plain reads
+             and writes of ChannelSettings by design: what would click is carried by a smoother.
+    Errors   none are reported. Blocks before the first prepareToPlay, or during a rebuild, are passed on unchanged.
+*/
+class CorvaneQ7AudioProcessor : public juce::AudioProcessor
+{
+public:
+    static constexpr int numBands = ChannelSettings::numBands;
+    static constexpr int oversamplingLatency = 52;      // host samples, at every factor above 1
+
+    CorvaneQ7AudioProcessor();
+    ~CorvaneQ7AudioProcessor() override = default;
+
+    // ---- the host's calls --------------------------------------------------------------------
+    const juce::String getName() const override     { return "Corvane Q7"; }
+
+    void prepareToPlay (double sampleRate, int estimatedSamplesPerBlock) override;
+    void releaseResources() override;
+    void processBlock (juce::AudioBuffer<float>& buffer, juce::MidiBuffer& midi) override;
+    void processBlockBypassed (juce::AudioBuffer<float>& buffer, juce::MidiBuffer& midi) override;
+    using juce::AudioProcessor::processBlock;
+    using juce::AudioProcessor::processBlockBypassed;
+
+    double getTailLengthSeconds() const override    { return 0.0; }
+    bool acceptsMidi() const override               { return false; }
+    bool producesMidi() const override              { return false; }
+
+    bool hasEditor() const override;
+    juce::AudioProcessorEditor* createEditor() override;
+
+    int getNumPrograms() override                   { return FactoryPrograms::numPrograms; }
+    int getCurrentProgram() override                { return currentProgram; }
+    void setCurrentProgram (int index) override;
+    const juce::String getProgramName (int index) override;
+    void changeProgramName (int, const juce::String&) override {}
+
+    void getStateInformation (juce::MemoryBlock& destination) override;
+    void setStateInformation (const void* data, int sizeInBytes) override;
+
+    // ---- the road of a control change --------------------------------------------------------
+    /** The record behind the audible slot. */
+    ChannelSettings& activeSettings() noexcept      { return settingsSlots[activeSlot]; }
+
+    /** Pushes the active record into the engine: mix, the three bands, the crossovers. Any thread; cheap, and
+        without effect when nothing changed. */
+    void applySettings();
+
+    /** Asks for an oversampling factor and tells host and listeners its latency. The next block, or the next
+        prepareToPlay, rebuilds the engine. Any thread but audio. */
+    void setOversampling (int factor);
+
+    /** Stores the level in dBu of digital full scale, in the active slot, and applies it. Any thread. */
+    void setCalibration (double calibrationDb);
+
+    /** Rebuilds all that depends on rate, block size, channels or factor; the one place that allocates. Stopped, or
+        on audio within the block that finds a new factor. */
+    void reconfigure (double sampleRate);
+
+    /** Takes another source of the noise floor; it must outlive its use. Stopped. */
+    void setNoiseSource (NoiseSource& source) noexcept { noise = &source; }
+
+    // ---- members that the audio path reads ---------------------------------------------------
+    int maxBlockSize = 0;       // host samples; 0 until prepareToPlay
+
+    /** A band with its two meter taps. */
+    struct BandGroup
+    {
+        explicit BandGroup (int index) : compressor (index) {}
+
+        BandCompressor compressor;
+        std::vector<RmsFollower> inputFollowers, outputFollowers;   // one a channel
+        double inputPeak = 0.0, outputPeak = 0.0;                   // decaying peaks of the running RMS
+    };
+
+    BandGroup bandGroups[numBands] { BandGroup (0), BandGroup (1), BandGroup (2) };
+    double meterDecay = 0.0;                                        // of the peaks, per processing-rate sample
+
+    LinearSmoother mixRamp { 0.0 };                                 // wet amount, 0 to 1, host rate
+
+    OutputTransformer transformer;
+    std::vector<OutputChannelState> transformerStates;              // one a channel
+
+    CrossoverFilter lowSplit { CrossoverFilter::lowPass };
+    CrossoverFilter highSplit { CrossoverFilter::highPass };
+
+    juce::AudioBuffer<float> lowBuffer, midBuffer, highBuffer;      // channels x factor * maxBlockSize
+    juce::AudioBuffer<float> controlBuffer;                         // (channels + 5) x maxBlockSize
+
+    UserDefaults userDefaults;
+    float uiZoom = 1.0f;                                            // editor scale, 0.7 to 1
+
+    int activeSlot = 0;                                             // 0 is A, 1 is B
+    ChannelSettings settingsSlots[2] { ChannelSettings (*this), ChannelSettings (*this) };
+    juce::String programNames[FactoryPrograms::numPrograms];
+    std::vector<ChannelSettings> programs;                          // fifteen
+    int currentProgram = 0;
+    std::uint32_t lastStateRestoreMs = 0;                           // millisecond counter; 0 is "never"
+
+    bool freshInstance = true;                                      // until the first setStateInformation
+    int oversamplingRequested = 1;                                  // wanted by user or state
+    juce::AudioBuffer<float> workBuffer;                            // channels x factor * maxBlockSize
+    int oversamplingCurrent = 1;                                    // what the engine is built for
+    std::vector<OversamplerChannel> oversamplers;                   // one a channel
+    NVX::DelayLine dryDelay;                                        // keeps the dry copy in step with the latency
+    bool reconfiguring = false;                                     // true while reconfigure runs
+    int hostType = 0;                                               // juce::PluginHostType::HostType
+
+private:
+    /** Per-sample control curves of a block; the dry copies stand behind them, one a channel. */
+    enum Curve : int { wetCurve, dryCurve, masterCurve, inputCurve, outputCurve, numCurves };
+
+    /** A stretch of the host's block of at most maxBlockSize samples. */
+    void processPiece (float* const* channels, int numChannels, int numSamples);
+    void processCore (float* const* channels, int numSamples, int numChannels, ChannelSettings& settings);
+
+    void keepDryCopy (float* const* channels, int numChannels, int numSamples) noexcept;
+    void addDryCopy (float* const* channels, int numChannels, int numSamples) noexcept;
+    void addNoise (float* samples, int numSamples) noexcept;
+    void processOversampled (float* const* channels, int numChannels, int numSamples, ChannelSettings& settings);
+    void splitBands (float* const* channels, int numSamples, int numChannels) noexcept;
+    void processBands (int numSamples, int numChannels, ChannelSettings& settings) noexcept;
+    void sumBandsIntoTransformer (float* const* channels, int numSamples, int numChannels, bool nuke) noexcept;
+
+    double tap (std::vector<RmsFollower>& followers, double levelPeak, float* const* channels, int numSamples,
+                int numChannels) const noexcept;
+    void updateMetersIdle (int numSamples) noexcept;
+
+    bool engineIsReady() const noexcept;
+    int numChannelsOf (const juce::AudioBuffer<float>& buffer) const noexcept;
+    void clearOutputsWithoutInput (juce::AudioBuffer<float>& buffer) const;
+    int factorToBuild() const noexcept;
+    static int latencyOf (int factor) noexcept { return factor >= 2 ? oversamplingLatency : 0; }
+
+    NoiseSource* noise = &NoiseSource::system();
+    int builtFactor = 1;                        // the requested factor, limited to 1 to 16
+    int builtChannels = 0;
+    std::vector<float*> piecePointers;          // channel pointers of a piece
+
+    JUCE_DECLARE_NON_COPYABLE_WITH_LEAK_DETECTOR (CorvaneQ7AudioProcessor)
+};

@@ -1,0 +1,93 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// What the meters show: running levels before and behind a band, and their decay while no band runs.
+#include "processor/CorvaneQ7AudioProcessor.h"
+
+namespace
+{
+    /** Circuit units to multiples of +4 dBu: 0.7746 V * 10^(4/20). */
+    constexpr double levelScale = 1.2276582668803786;
+}
+
+double CorvaneQ7AudioProcessor::tap (std::vector<RmsFollower>& followers, double levelPeak, float* const* channels,
+                                     int numSamples, int numChannels) const noexcept
+{
+    const auto share = numChannels > 0 ? 1.0 / numChannels : 0.0;
+
+    for (int i = 0; i < numSamples; ++i)
+    {
+        auto sum = 0.0;
+
+        for (int c = 0; c < numChannels; ++c)
+            sum += followers[static_cast<std::size_t> (c)].follow (channels[c][i]) * share;
+
+        levelPeak = juce::jmax (levelPeak * meterDecay, sum);
+    }
+
+    return levelPeak;
+}
+
+void CorvaneQ7AudioProcessor::processBands (int numSamples, int numChannels, ChannelSettings& settings) noexcept
+{
+    juce::AudioBuffer<float>* const buffers[numBands] { &lowBuffer, &midBuffer, &highBuffer };
+
+    for (int b = 0; b < numBands; ++b)
+    {
+        auto& group = bandGroups[b];
+        auto* const* channels = buffers[b]->getArrayOfWritePointers();
+        const auto meter = settings.bands[b].meter;
+
+        if (meter == ChannelSettings::meterIn)
+        {
+            group.inputPeak = tap (group.inputFollowers, group.inputPeak, channels, numSamples, numChannels);
+            settings.level (b) = group.inputPeak * levelScale;
+        }
+        else
+        {
+            group.inputPeak = 0.0;
+        }
+
+        group.compressor.process (channels, numSamples);
+        settings.gainReduction (b) = group.compressor.meterValue();
+
+        if (meter == ChannelSettings::meterOut)
+        {
+            group.outputPeak = tap (group.outputFollowers, group.outputPeak, channels, numSamples, numChannels);
+            settings.level (b) = group.outputPeak * levelScale;
+        }
+        else
+        {
+            group.outputPeak = 0.0;
+        }
+    }
+}
+
+void CorvaneQ7AudioProcessor::updateMetersIdle (int numSamples) noexcept
+{
+    auto& settings = activeSettings();
+    const auto internalSamples = builtFactor * numSamples;
+
+    // In float, from the whole block: the last digits differ from the audio path's decay per sample.
+    const auto decay = static_cast<double> (std::pow (static_cast<float> (meterDecay),
+                                                      static_cast<float> (internalSamples)));
+
+    for (int b = 0; b < numBands; ++b)
+    {
+        auto& group = bandGroups[b];
+        const auto meter = settings.bands[b].meter;
+
+        if (meter == ChannelSettings::meterIn)
+        {
+            group.inputPeak *= decay;
+            settings.level (b) = group.inputPeak * levelScale;
+        }
+
+        group.compressor.idleAdvance (internalSamples);
+        settings.gainReduction (b) = group.compressor.meterValue();
+
+        if (meter == ChannelSettings::meterOut)
+        {
+            group.outputPeak *= decay;
+            settings.level (b) = group.outputPeak * levelScale;
+        }
+    }
+}
