@@ -26,7 +26,7 @@ enum FilterTypeValues : int
     svLowPass = 9,
     svBandPass = 10, // gain Q at its centre
     svHighPass = 11,
-    svPeak = 12, // the difference of the high-pass and the low-pass
+    svPeak = 12,   // the difference of the high-pass and the low-pass
     svSilent = 13, // no response of its own, see SVFilterRecord::setUp
     svBell = 14,
     svLowShelf = 15,

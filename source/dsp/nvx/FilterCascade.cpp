@@ -12,30 +12,30 @@ namespace NVX
 
 namespace
 {
-    std::unique_ptr<Filter> makeFilter (int type, double frequency, double q, double gain)
+std::unique_ptr<Filter> makeFilter (int type, double frequency, double q, double gain)
+{
+    switch (type)
     {
-        switch (type)
-        {
-            case iirHighPass:
-            case iirLowPass:
-            case iirPeaking:
-            case iirAllPass:
-            case iirBandPass:
-            case iirLowShelf:
-            case iirHighShelf:      return std::make_unique<IIRFilter> (type, frequency, q, gain);
-            case onePoleHighPass:   return std::make_unique<OnePoleFilter<onePoleHighPass>> (frequency);
-            case onePoleLowPass:    return std::make_unique<OnePoleFilter<onePoleLowPass>> (frequency);
-            case svLowPass:         return std::make_unique<SVFilter<svLowPass>> (frequency, q, gain);
-            case svBandPass:        return std::make_unique<SVFilter<svBandPass>> (frequency, q, gain);
-            case svHighPass:        return std::make_unique<SVFilter<svHighPass>> (frequency, q, gain);
-            case svPeak:            return std::make_unique<SVFilter<svPeak>> (frequency, q, gain);
-            case svSilent:          return std::make_unique<SVFilter<svSilent>> (frequency, q, gain);
-            case svBell:            return std::make_unique<SVFilter<svBell>> (frequency, q, gain);
-            case svLowShelf:        return std::make_unique<SVFilter<svLowShelf>> (frequency, q, gain);
-            case svHighShelf:       return std::make_unique<SVFilter<svHighShelf>> (frequency, q, gain);
-            default:                return nullptr;
-        }
+        case iirHighPass:
+        case iirLowPass:
+        case iirPeaking:
+        case iirAllPass:
+        case iirBandPass:
+        case iirLowShelf:
+        case iirHighShelf: return std::make_unique<IIRFilter> (type, frequency, q, gain);
+        case onePoleHighPass: return std::make_unique<OnePoleFilter<onePoleHighPass>> (frequency);
+        case onePoleLowPass: return std::make_unique<OnePoleFilter<onePoleLowPass>> (frequency);
+        case svLowPass: return std::make_unique<SVFilter<svLowPass>> (frequency, q, gain);
+        case svBandPass: return std::make_unique<SVFilter<svBandPass>> (frequency, q, gain);
+        case svHighPass: return std::make_unique<SVFilter<svHighPass>> (frequency, q, gain);
+        case svPeak: return std::make_unique<SVFilter<svPeak>> (frequency, q, gain);
+        case svSilent: return std::make_unique<SVFilter<svSilent>> (frequency, q, gain);
+        case svBell: return std::make_unique<SVFilter<svBell>> (frequency, q, gain);
+        case svLowShelf: return std::make_unique<SVFilter<svLowShelf>> (frequency, q, gain);
+        case svHighShelf: return std::make_unique<SVFilter<svHighShelf>> (frequency, q, gain);
+        default: return nullptr;
     }
+}
 } // namespace
 
 void FilterCascade::clearFilters()

@@ -12,22 +12,19 @@ namespace NVX
 
 namespace
 {
-    constexpr double pi = 3.141592653589793;
-    constexpr double lowestGuardedHz = 2.0;  // nearer to 0 an equaliser in float degenerates
-    constexpr float smallestState = 1.0e-8f; // -160 dB: inaudible, and far above the denormals
-    constexpr int triesBeforeYield = 21;
+constexpr double pi = 3.141592653589793;
+constexpr double lowestGuardedHz = 2.0;  // nearer to 0 an equaliser in float degenerates
+constexpr float smallestState = 1.0e-8f; // -160 dB: inaudible, and far above the denormals
+constexpr int triesBeforeYield = 21;
 
-    BiquadCoefficients toFloat (double b0, double b1, double b2, double a1, double a2) noexcept
-    {
-        return { static_cast<float> (b0),
-                 static_cast<float> (b1),
-                 static_cast<float> (b2),
-                 static_cast<float> (a1),
-                 static_cast<float> (a2) };
-    }
+BiquadCoefficients toFloat (double b0, double b1, double b2, double a1, double a2) noexcept
+{
+    return { static_cast<float> (b0), static_cast<float> (b1), static_cast<float> (b2), static_cast<float> (a1),
+             static_cast<float> (a2) };
+}
 
-    // Also true for a state that is not a number, which would otherwise stay for good.
-    bool isNegligible (float state) noexcept { return ! (std::fabs (state) > smallestState); }
+// Also true for a state that is not a number, which would otherwise stay for good.
+bool isNegligible (float state) noexcept { return ! (std::fabs (state) > smallestState); }
 } // namespace
 
 void RecordLock::lock() noexcept
@@ -47,10 +44,7 @@ void RecordLock::lock() noexcept
     The order of the operations is kept as written, and A is a float: both decide the last bit of a
     float coefficient.
 */
-BiquadCoefficients IIRFilter::design (int responseType,
-                                      double frequency,
-                                      double q,
-                                      double gain,
+BiquadCoefficients IIRFilter::design (int responseType, double frequency, double q, double gain,
                                       double sampleRate) noexcept
 {
     const double w = 2.0 * pi * frequency / sampleRate;
@@ -107,11 +101,8 @@ BiquadCoefficients IIRFilter::design (int responseType,
             const double p = std::cos (guardedW) * (A - 1.0);
             const double s = std::cos (guardedW) * (A + 1.0);
             const double d = 1.0 / (r + p + A + 1.0);
-            return toFloat ((r + A + 1.0 - p) * A * d,
-                            (A - 1.0 - s) * 2.0 * A * d,
-                            (A + 1.0 - p - r) * A * d,
-                            (s + A - 1.0) * -2.0 * d,
-                            (p + A + 1.0 - r) * d);
+            return toFloat ((r + A + 1.0 - p) * A * d, (A - 1.0 - s) * 2.0 * A * d, (A + 1.0 - p - r) * A * d,
+                            (s + A - 1.0) * -2.0 * d, (p + A + 1.0 - r) * d);
         }
 
         case iirHighShelf:
@@ -123,12 +114,10 @@ BiquadCoefficients IIRFilter::design (int responseType,
             const double v = A + 1.0 - p;
             const double e = A - 1.0 - s;
             const double d = 1.0 / (r + v);
-            return toFloat (
-                (r + u) * A * d, (A - 1.0 + s) * -2.0 * A * d, (u - r) * A * d, 2.0 * e * d, (v - r) * d);
+            return toFloat ((r + u) * A * d, (A - 1.0 + s) * -2.0 * A * d, (u - r) * A * d, 2.0 * e * d, (v - r) * d);
         }
 
-        default:
-            return {};
+        default: return {};
     }
 }
 
@@ -174,22 +163,13 @@ void IIRFilter::process (float* samples, int numSamples, int channel) noexcept
     record.s2 = isNegligible (s2) ? 0.0f : s2;
 }
 
-double IIRFilter::tick (int, double x) noexcept
-{
-    return x;
-}
+double IIRFilter::tick (int, double x) noexcept { return x; }
 
-FilterState IIRFilter::getState (int) const noexcept
-{
-    return {};
-}
+FilterState IIRFilter::getState (int) const noexcept { return {}; }
 
 void IIRFilter::setState (const FilterState&, int) noexcept {}
 
-FilterCoefficients IIRFilter::getCoefficients (int) const noexcept
-{
-    return {};
-}
+FilterCoefficients IIRFilter::getCoefficients (int) const noexcept { return {}; }
 
 void IIRFilter::setCoefficients (const FilterCoefficients&, int) noexcept {}
 

@@ -89,10 +89,7 @@ public:
     void setActive (int channel, bool shouldBeActive) noexcept;
 
     /** The coefficients of a response, for whoever wants to draw or to check one. */
-    static BiquadCoefficients design (int responseType,
-                                      double frequency,
-                                      double q,
-                                      double gain,
+    static BiquadCoefficients design (int responseType, double frequency, double q, double gain,
                                       double sampleRate) noexcept;
 
     BiquadCoefficients coefficients; // of the response as last computed; process reads the records' own

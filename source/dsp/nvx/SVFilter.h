@@ -44,11 +44,11 @@ struct SVFilterRecord
 
         switch (responseType)
         {
-            case svLowPass:   setMix (0.0, 0.0, 1.0); break;
-            case svBandPass:  setMix (0.0, 1.0, 0.0); break;
-            case svHighPass:  setMix (1.0, -k, -1.0); break;
-            case svPeak:      setMix (1.0, -k, -2.0); break;
-            case iirPeaking:  setMix (1.0, -k, 0.0); break; // the notch that nothing reaches
+            case svLowPass: setMix (0.0, 0.0, 1.0); break;
+            case svBandPass: setMix (0.0, 1.0, 0.0); break;
+            case svHighPass: setMix (1.0, -k, -1.0); break;
+            case svPeak: setMix (1.0, -k, -2.0); break;
+            case iirPeaking: setMix (1.0, -k, 0.0); break; // the notch that nothing reaches
             case svBell:
                 k = 1.0 / (q * A); // over A, which makes a cut the inverse of the boost of its size
                 setMix (1.0, (A * A - 1.0) * k, 0.0);

@@ -62,19 +62,20 @@ TEST_P (DelayLineInBlocks, IsAnExactDelay)
     EXPECT_EQ (inBlocks (line, noise, lengths), delayed (noise, delay));
 }
 
-INSTANTIATE_TEST_SUITE_P (ShorterEqualLongerAndMixed,
-                          DelayLineInBlocks,
+const std::vector<int> blockLengths[] = { { 1 },
+                                          { 2 },
+                                          { 5 },
+                                          { 51 },
+                                          { 52 },
+                                          { 53 },
+                                          { 512 },
+                                          { 5000 },
+                                          { 103, 104, 105 },
+                                          { 1, 0, 52, 13, 480, 51, 0, 53, 2, 104 } };
+
+INSTANTIATE_TEST_SUITE_P (ShorterEqualLongerAndMixed, DelayLineInBlocks,
                           testing::Combine (testing::Values (0, 1, 2, 3, 7, oversamplingDelay, 1000),
-                                            testing::Values (std::vector<int> { 1 },
-                                                             std::vector<int> { 2 },
-                                                             std::vector<int> { 5 },
-                                                             std::vector<int> { 51 },
-                                                             std::vector<int> { 52 },
-                                                             std::vector<int> { 53 },
-                                                             std::vector<int> { 103, 104, 105 },
-                                                             std::vector<int> { 512 },
-                                                             std::vector<int> { 5000 },
-                                                             std::vector<int> { 1, 0, 52, 13, 480, 51, 0, 53, 2, 104 })));
+                                            testing::ValuesIn (blockLengths)));
 
 TEST (DelayLine, ABlockAsLongAsTheDelayIsReplacedByTheOneBefore)
 {

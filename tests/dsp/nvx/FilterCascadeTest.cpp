@@ -60,7 +60,7 @@ bool buildsInto (int type, bool intoBiquads)
     const auto& other = intoBiquads ? cascade.doubleFilters : cascade.biquads;
 
     return list.size() == 1 && other.empty() && list[0]->type == type && list[0]->frequency == 1234.0
-        && dynamic_cast<FilterClass*> (list[0].get()) != nullptr;
+           && dynamic_cast<FilterClass*> (list[0].get()) != nullptr;
 }
 
 TEST (FilterCascade, EveryNumberBuildsItsClass)
@@ -153,8 +153,8 @@ TEST (FilterCascade, KeepsTheOrderOfInsertionWithinEachList)
     cascade.addFilter (8, 5000.0, 0.7, 2.0);
     cascade.addFilter (0, 30.0, 0.7, 1.0);
     cascade.addFilter (7, 50.0, 0.7, 2.0);
-    EXPECT_EQ (typesOf (cascade.doubleFilters), (std::vector<int> { 16, 8, 7 }));
-    EXPECT_EQ (typesOf (cascade.biquads), (std::vector<int> { 6, 0 }));
+    EXPECT_EQ (typesOf (cascade.doubleFilters), (std::vector<int>{ 16, 8, 7 }));
+    EXPECT_EQ (typesOf (cascade.biquads), (std::vector<int>{ 6, 0 }));
 
     cascade.setSampleRate (1, 48000.0);
     auto samples = noise;
@@ -266,8 +266,8 @@ TEST (FilterCascade, ClearDropsTheRecordsAndKeepsTheFilters)
 
     cascade.clear();
     EXPECT_FALSE (cascade.ready);
-    EXPECT_EQ (typesOf (cascade.doubleFilters), (std::vector<int> { 14, 8 }));
-    EXPECT_EQ (typesOf (cascade.biquads), (std::vector<int> { 6 }));
+    EXPECT_EQ (typesOf (cascade.doubleFilters), (std::vector<int>{ 14, 8 }));
+    EXPECT_EQ (typesOf (cascade.biquads), (std::vector<int>{ 6 }));
 
     for (const auto* list : { &cascade.doubleFilters, &cascade.biquads })
         for (const auto& filter : *list)

@@ -38,12 +38,12 @@ Analogue prototype (int type, double q, double A)
 
     switch (type)
     {
-        case 0:  return { 1.0, 0.0, 0.0, 1.0, 1.0 / q, 1.0 };
-        case 1:  return { 0.0, 0.0, 1.0, 1.0, 1.0 / q, 1.0 };
-        case 2:  return { 1.0, A / q, 1.0, 1.0, 1.0 / (A * q), 1.0 };
-        case 3:  return { 1.0, -1.0 / q, 1.0, 1.0, 1.0 / q, 1.0 };
-        case 4:  return { 0.0, 1.0 / q, 0.0, 1.0, 1.0 / q, 1.0 };
-        case 5:  return { A, A * shelfDamping, A * A, A, shelfDamping, 1.0 };
+        case 0: return { 1.0, 0.0, 0.0, 1.0, 1.0 / q, 1.0 };
+        case 1: return { 0.0, 0.0, 1.0, 1.0, 1.0 / q, 1.0 };
+        case 2: return { 1.0, A / q, 1.0, 1.0, 1.0 / (A * q), 1.0 };
+        case 3: return { 1.0, -1.0 / q, 1.0, 1.0, 1.0 / q, 1.0 };
+        case 4: return { 0.0, 1.0 / q, 0.0, 1.0, 1.0 / q, 1.0 };
+        case 5: return { A, A * shelfDamping, A * A, A, shelfDamping, 1.0 };
         default: return { A * A, A * shelfDamping, A, 1.0, shelfDamping, A };
     }
 }
@@ -55,20 +55,15 @@ Five bilinear (const Analogue& h, double cutoff, double rate)
 {
     const double c = 1.0 / std::tan (pi * cutoff / rate);
     const double a0 = h.d2 * c * c + h.d1 * c + h.d0;
-    return { (h.n2 * c * c + h.n1 * c + h.n0) / a0,
-             2.0 * (h.n0 - h.n2 * c * c) / a0,
-             (h.n2 * c * c - h.n1 * c + h.n0) / a0,
-             2.0 * (h.d0 - h.d2 * c * c) / a0,
+    return { (h.n2 * c * c + h.n1 * c + h.n0) / a0, 2.0 * (h.n0 - h.n2 * c * c) / a0,
+             (h.n2 * c * c - h.n1 * c + h.n0) / a0, 2.0 * (h.d0 - h.d2 * c * c) / a0,
              (h.d2 * c * c - h.d1 * c + h.d0) / a0 };
 }
 
 Five valuesOf (const NVX::BiquadCoefficients& c)
 {
-    return { static_cast<double> (c.b0),
-             static_cast<double> (c.b1),
-             static_cast<double> (c.b2),
-             static_cast<double> (c.a1),
-             static_cast<double> (c.a2) };
+    return { static_cast<double> (c.b0), static_cast<double> (c.b1), static_cast<double> (c.b2),
+             static_cast<double> (c.a1), static_cast<double> (c.a2) };
 }
 
 // The nearest float is at most 2^-24 of the value away; the 1e-14 covers the double arithmetic of both sides.
@@ -86,10 +81,7 @@ void expectRounded (const NVX::BiquadCoefficients& stored, const Five& exact)
             << "coefficient " << i << " is " << values[i] << " and should be " << exact[i];
 }
 
-double rootInFloat (double gain)
-{
-    return static_cast<double> (std::sqrt (static_cast<float> (gain)));
-}
+double rootInFloat (double gain) { return static_cast<double> (std::sqrt (static_cast<float> (gain))); }
 
 std::vector<float> whiteNoise (int length, std::uint32_t seed)
 {
@@ -121,15 +113,9 @@ Complex responseAt (const std::vector<float>& h, double frequency, double rate)
     return sum;
 }
 
-bool isGuarded (int type)
-{
-    return type == 2 || type == 5 || type == 6;
-}
+bool isGuarded (int type) { return type == 2 || type == 5 || type == 6; }
 
-bool equal (const NVX::BiquadCoefficients& a, const NVX::BiquadCoefficients& b)
-{
-    return valuesOf (a) == valuesOf (b);
-}
+bool equal (const NVX::BiquadCoefficients& a, const NVX::BiquadCoefficients& b) { return valuesOf (a) == valuesOf (b); }
 
 //==============================================================================
 class IIRFilterOfType : public testing::TestWithParam<int>
@@ -280,8 +266,8 @@ TEST_P (IIRFilterOfType, ServesNoSingleSamplesAndNoDoubleState)
     filter.setState ({ 1.0, 1.0 }, 0);
     filter.setCoefficients ({ 1.0, 2.0, 3.0, 4.0, 5.0, 6.0 }, 0);
 
-    EXPECT_EQ (filter.getState (0), NVX::FilterState {});
-    EXPECT_EQ (filter.getCoefficients (0), NVX::FilterCoefficients {});
+    EXPECT_EQ (filter.getState (0), NVX::FilterState{});
+    EXPECT_EQ (filter.getCoefficients (0), NVX::FilterCoefficients{});
     EXPECT_EQ (filter.records[0].s1, 0.5f);
     EXPECT_EQ (filter.records[0].s2, 0.0f);
     EXPECT_TRUE (equal (filter.records[0].coefficients, before));
@@ -432,7 +418,7 @@ protected:
         return x;
     }
 
-    NVX::IIRFilter filter { 0, 1000.0, 0.7, 1.0 };
+    NVX::IIRFilter filter{ 0, 1000.0, 0.7, 1.0 };
 };
 
 TEST_F (IIRFilterSteps, FollowTheTransposedDirectForm)
@@ -578,7 +564,7 @@ TEST (IIRFilter, WaitsForTheLockOfItsRecord)
     auto samples = whiteNoise (64, 0x10c), expected = samples;
     free.process (expected.data(), 64, 0);
 
-    std::atomic<bool> started { false }, finished { false };
+    std::atomic<bool> started{ false }, finished{ false };
     filter.records[0].lock.lock();
     EXPECT_FALSE (filter.records[0].lock.tryLock());
 
@@ -607,7 +593,7 @@ TEST (IIRFilter, TakesNewResponsesWhileItRuns)
 {
     NVX::IIRFilter filter (2, 1000.0, 0.7, 2.0);
     filter.setSampleRate (1, 48000.0);
-    std::atomic<bool> done { false };
+    std::atomic<bool> done{ false };
 
     std::thread control (
         [&]
@@ -624,7 +610,9 @@ TEST (IIRFilter, TakesNewResponsesWhileItRuns)
     {
         auto samples = whiteNoise (64, 0x7ead);
         filter.process (samples.data(), 64, 0);
-        allFinite = allFinite && std::all_of (samples.begin(), samples.end(), [] (float y) { return std::isfinite (y); });
+
+        for (const float y : samples)
+            allFinite = allFinite && std::isfinite (y);
     }
 
     control.join();

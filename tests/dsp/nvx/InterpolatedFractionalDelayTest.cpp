@@ -25,7 +25,9 @@ std::vector<float> whiteNoise (int length, std::uint32_t seed)
 // From the signal alone, without a ring: f x[n - W - 1] + (1 - f) x[n - W - 2].
 std::vector<float> expectedOutput (const std::vector<float>& x, int wholeDelay, double fraction)
 {
-    const auto at = [&x] (int index) { return index < 0 ? 0.0 : static_cast<double> (x[static_cast<std::size_t> (index)]); };
+    const auto at = [&x] (int index)
+    { return index < 0 ? 0.0 : static_cast<double> (x[static_cast<std::size_t> (index)]); };
+
     std::vector<float> y;
 
     for (int n = 0; n < static_cast<int> (x.size()); ++n)
@@ -44,7 +46,7 @@ struct Delay
 // 9.16666 microseconds, split at the rates from 44.1 kHz to 16 times that.
 std::vector<Delay> delays()
 {
-    std::vector<Delay> result { { 0, 0.0 }, { 0, 1.0 }, { 1, 0.5 }, { 5, 0.25 }, { 63, 0.7 } };
+    std::vector<Delay> result{ { 0, 0.0 }, { 0, 1.0 }, { 1, 0.5 }, { 5, 0.25 }, { 63, 0.7 } };
 
     for (const double rate : { 44100.0, 48000.0, 96000.0, 192000.0, 705600.0 })
     {
@@ -98,9 +100,9 @@ TEST (InterpolatedFractionalDelay, AnImpulseAppearsTwiceWithTheTwoWeights)
 {
     NVX::InterpolatedFractionalDelay delay;
     delay.rebuild (1, 2, 0.25);
-    std::vector<float> samples { 1.0f, 0.0f, 0.0f, 0.0f, 0.0f, 0.0f, 0.0f, 0.0f };
+    std::vector<float> samples{ 1.0f, 0.0f, 0.0f, 0.0f, 0.0f, 0.0f, 0.0f, 0.0f };
     delay.process (samples.data(), 8, 0);
-    EXPECT_EQ (samples, (std::vector<float> { 0.0f, 0.0f, 0.0f, 0.25f, 0.75f, 0.0f, 0.0f, 0.0f }));
+    EXPECT_EQ (samples, (std::vector<float>{ 0.0f, 0.0f, 0.0f, 0.25f, 0.75f, 0.0f, 0.0f, 0.0f }));
 }
 
 TEST (InterpolatedFractionalDelay, RingHoldsTheWholeDelayAndTwoMore)
@@ -127,7 +129,7 @@ TEST (InterpolatedFractionalDelay, WeighsInDoubleAndRoundsOnce)
 {
     NVX::InterpolatedFractionalDelay delay;
     delay.rebuild (1, 0, 0.1);
-    std::vector<float> samples { 1.0f, 1.0f, 1.0f, 1.0f };
+    std::vector<float> samples{ 1.0f, 1.0f, 1.0f, 1.0f };
     delay.process (samples.data(), 4, 0);
     EXPECT_EQ (samples[2], 1.0f); // 0.1 + 0.9, where the float nearest to each would do as well
     EXPECT_EQ (samples[1], static_cast<float> (0.1));
@@ -140,7 +142,8 @@ TEST (InterpolatedFractionalDelay, WeighsInDoubleAndRoundsOnce)
 
     for (std::size_t n = 2; n < noise.size(); ++n)
     {
-        const float inFloat = noise[n - 1] * static_cast<float> (1.0 / 3.0) + noise[n - 2] * static_cast<float> (2.0 / 3.0);
+        const auto third = static_cast<float> (1.0 / 3.0), twoThirds = static_cast<float> (2.0 / 3.0);
+        const float inFloat = noise[n - 1] * third + noise[n - 2] * twoThirds;
         numToldApart += result[n] != inFloat ? 1 : 0;
     }
 

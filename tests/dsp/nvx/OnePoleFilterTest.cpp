@@ -162,11 +162,11 @@ TEST_P (OnePoleOfType, StateIsTheCapacitorAndZero)
     auto filter = makeFilter (GetParam(), 1000.0);
     filter->setSampleRate (2, 48000.0);
     filter->setState ({ 0.5, 99.0 }, 1);
-    EXPECT_EQ (filter->getState (1), (NVX::FilterState { 0.5, 0.0 }));
-    EXPECT_EQ (filter->getState (0), (NVX::FilterState { 0.0, 0.0 }));
+    EXPECT_EQ (filter->getState (1), (NVX::FilterState{ 0.5, 0.0 }));
+    EXPECT_EQ (filter->getState (0), (NVX::FilterState{ 0.0, 0.0 }));
 
     filter->setSampleRate (2, 48000.0);
-    EXPECT_EQ (filter->getState (1), (NVX::FilterState { 0.0, 0.0 }));
+    EXPECT_EQ (filter->getState (1), (NVX::FilterState{ 0.0, 0.0 }));
 }
 
 TEST_P (OnePoleOfType, CoefficientsAreTwo)
@@ -174,7 +174,7 @@ TEST_P (OnePoleOfType, CoefficientsAreTwo)
     auto filter = makeFilter (GetParam(), 1000.0);
     filter->setSampleRate (1, 48000.0);
     filter->setCoefficients ({ 0.25, 0.5, 3.0, 4.0, 5.0, 6.0 }, 0);
-    EXPECT_EQ (filter->getCoefficients (0), (NVX::FilterCoefficients { 0.25, 0.5, 0.0, 0.0, 0.0, 0.0 }));
+    EXPECT_EQ (filter->getCoefficients (0), (NVX::FilterCoefficients{ 0.25, 0.5, 0.0, 0.0, 0.0, 0.0 }));
 
     // y = 0.5 y + 0.25 x: exact in binary
     filter->setState ({ 1.0, 0.0 }, 0);
@@ -223,11 +223,11 @@ TEST_P (OnePoleOfType, LeavesChannelsOutOfRangeAlone)
 
         filter->setState ({ 1.0, 1.0 }, channel);
         filter->setCoefficients ({ 1.0, 1.0, 1.0, 1.0, 1.0, 1.0 }, channel);
-        EXPECT_EQ (filter->getState (channel), NVX::FilterState {});
-        EXPECT_EQ (filter->getCoefficients (channel), NVX::FilterCoefficients {});
+        EXPECT_EQ (filter->getState (channel), NVX::FilterState{});
+        EXPECT_EQ (filter->getCoefficients (channel), NVX::FilterCoefficients{});
     }
 
-    EXPECT_EQ (filter->getState (1), NVX::FilterState {});
+    EXPECT_EQ (filter->getState (1), NVX::FilterState{});
     EXPECT_EQ (filter->getCoefficients (1), coefficients);
 }
 
@@ -265,9 +265,9 @@ TEST (OnePoleFilter, ProcessGoesThroughAnOverriddenTick)
 {
     Doubling filter (700.0);
     filter.setSampleRate (1, 48000.0);
-    std::vector<float> samples { 0.25f, -1.0f, 3.0f };
+    std::vector<float> samples{ 0.25f, -1.0f, 3.0f };
     filter.process (samples.data(), 3, 0);
-    EXPECT_EQ (samples, (std::vector<float> { 0.5f, -2.0f, 6.0f }));
+    EXPECT_EQ (samples, (std::vector<float>{ 0.5f, -2.0f, 6.0f }));
 }
 
 } // namespace

@@ -23,7 +23,7 @@ std::unique_ptr<NVX::Filter> makeFilter (int type, double frequency, double q, d
 {
     switch (type)
     {
-        case 9:  return std::make_unique<NVX::SVFilter<9>> (frequency, q, gain);
+        case 9: return std::make_unique<NVX::SVFilter<9>> (frequency, q, gain);
         case 10: return std::make_unique<NVX::SVFilter<10>> (frequency, q, gain);
         case 11: return std::make_unique<NVX::SVFilter<11>> (frequency, q, gain);
         case 12: return std::make_unique<NVX::SVFilter<12>> (frequency, q, gain);
@@ -45,7 +45,7 @@ Complex analogue (int type, Complex s, double Q, double G)
 
     switch (type)
     {
-        case 9:  return 1.0 / resonant;
+        case 9: return 1.0 / resonant;
         case 10: return s / resonant;
         case 11: return s2 / resonant;
         case 12: return (s2 - 1.0) / resonant;
@@ -103,7 +103,7 @@ struct Setting
 std::string describe (const Setting& s)
 {
     return "type " + std::to_string (s.type) + ", " + std::to_string (s.cutoff) + " Hz, Q " + std::to_string (s.q)
-         + ", gain " + std::to_string (s.gain) + ", rate " + std::to_string (s.rate);
+           + ", gain " + std::to_string (s.gain) + ", rate " + std::to_string (s.rate);
 }
 
 const double someGains[] = { 0.125, 0.7943, 1.0, 1.5849, 8.0 };
@@ -253,7 +253,7 @@ TEST (SVFilter, ThirteenIsSilent)
 {
     NVX::SVFilter<13> filter (1000.0, 0.7, 2.0);
     filter.setSampleRate (1, 48000.0);
-    EXPECT_EQ (filter.getCoefficients (0), NVX::FilterCoefficients {});
+    EXPECT_EQ (filter.getCoefficients (0), NVX::FilterCoefficients{});
 
     for (const float scale : { 1.0f, 1.0e-30f, 1.0e30f })
     {
@@ -299,9 +299,9 @@ TEST (SVFilter, StepsTheLoopInDouble)
 
     // Worked by hand; every value is a short binary fraction, so the result is exact.
     EXPECT_EQ (filter.tick (0, 1.0), 2.0);
-    EXPECT_EQ (filter.getState (0), (NVX::FilterState { 0.5, 0.25 }));
+    EXPECT_EQ (filter.getState (0), (NVX::FilterState{ 0.5, 0.25 }));
     EXPECT_EQ (filter.tick (0, 0.0), 1.75);
-    EXPECT_EQ (filter.getState (0), (NVX::FilterState { -0.125, 0.4375 }));
+    EXPECT_EQ (filter.getState (0), (NVX::FilterState{ -0.125, 0.4375 }));
 
     // A state finer than a float carries over: nothing but the output is rounded.
     filter.setState ({ 0.0, 1.0 + std::ldexp (1.0, -40) }, 0);
@@ -391,7 +391,7 @@ TEST_P (SVFilterOfType, SetSampleRateStartsAllChannelsFromSilence)
     EXPECT_EQ (filter->type, GetParam());
 
     for (int channel = 0; channel < 2; ++channel)
-        EXPECT_EQ (filter->getState (channel), (NVX::FilterState { 0.0, 0.0 }));
+        EXPECT_EQ (filter->getState (channel), (NVX::FilterState{ 0.0, 0.0 }));
 }
 
 TEST_P (SVFilterOfType, WithoutRecordsPassesTheSignalOn)
@@ -437,11 +437,11 @@ TEST_P (SVFilterOfType, LeavesChannelsOutOfRangeAlone)
 
         filter->setState ({ 1.0, 1.0 }, channel);
         filter->setCoefficients ({ 1.0, 1.0, 1.0, 1.0, 1.0, 1.0 }, channel);
-        EXPECT_EQ (filter->getState (channel), NVX::FilterState {});
-        EXPECT_EQ (filter->getCoefficients (channel), NVX::FilterCoefficients {});
+        EXPECT_EQ (filter->getState (channel), NVX::FilterState{});
+        EXPECT_EQ (filter->getCoefficients (channel), NVX::FilterCoefficients{});
     }
 
-    EXPECT_EQ (filter->getState (1), NVX::FilterState {});
+    EXPECT_EQ (filter->getState (1), NVX::FilterState{});
     EXPECT_EQ (filter->getCoefficients (1), coefficients);
 }
 
