@@ -28,8 +28,8 @@ target_compile_definitions (corvane_juce PUBLIC
     JUCE_VST3_CAN_REPLACE_VST2=0
     JUCE_FORCE_USE_LEGACY_PARAM_IDS=1               # the host's parameter index is the table's, for ever
     JUCE_FORCE_LEGACY_PARAMETER_AUTOMATION_TYPE=1   # ranges stay 0 to 1 in every wrapper
-    JUCE_PLUGINHOST_VST3=$<BOOL:${CORVANE_TESTS}>   # the host classes serve our tests alone
-    JUCE_PLUGINHOST_LV2=$<BOOL:${CORVANE_TESTS}>
+    JUCE_PLUGINHOST_VST3=1                          # for our tests; the linkers drop it from the bundles
+    JUCE_PLUGINHOST_LV2=1
     JUCE_STRICT_REFCOUNTEDPOINTER=1
     $<$<CONFIG:Debug>:DEBUG=1>
     $<$<NOT:$<CONFIG:Debug>>:NDEBUG=1>)
