@@ -1,0 +1,39 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
+# The everyday commands. All logic stands in CMake or in a script; `make demo` and `make test` are each enough on a
+# bare Debian 12 machine with `make`, since they install the packages that they need.
+
+.PHONY: help demo build test bench install format clean
+
+help:
+	@echo "make demo     build, render the demo loop through three programs, say where everything lies"
+	@echo "make build    optimised bundles and renderer, into build/release"
+	@echo "make test     all tests, optimised and under the sanitizers"
+	@echo "make bench    nanoseconds per frame of every stage and of the whole"
+	@echo "make install  bundles and renderer into your own folders, or below PREFIX (and DESTDIR)"
+	@echo "make format   lay the sources out as .clang-format says"
+
+demo: build
+	@scripts/demo.sh
+
+build:
+	@scripts/install-packages.sh build
+	@scripts/build.sh
+
+test:
+	@scripts/install-packages.sh build test
+	@scripts/test.sh
+
+bench:
+	@scripts/install-packages.sh build bench
+	@scripts/bench.sh
+
+install:
+	@test -d build/release || { echo "Nothing is built yet: run 'make build' first."; exit 1; }
+	@PREFIX="$(PREFIX)" DESTDIR="$(DESTDIR)" scripts/install.sh
+
+format:
+	@scripts/install-packages.sh format
+	@git ls-files '*.h' '*.cpp' | xargs clang-format -i
+
+clean:
+	rm -rf build demo-output

@@ -1,0 +1,9 @@
+#!/bin/sh
+# SPDX-License-Identifier: GPL-3.0-or-later
+# Benchmarks of the optimised build. Arguments go to the benchmark program, e.g. --benchmark_filter=Whole.
+set -eu
+cd "$(dirname "$0")/.."
+
+cmake --preset release -DCORVANE_BENCHMARKS=ON
+cmake --build --preset release --target corvane_bench
+build/release/bench/corvane_bench "$@"
