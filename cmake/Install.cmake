@@ -4,7 +4,8 @@
 include (GNUInstallDirs)
 
 set (corvane_bundles "${CMAKE_BINARY_DIR}/source/plugin/CorvaneQ7_artefacts/${CMAKE_BUILD_TYPE}")
-set (CORVANE_BUNDLE_DIR "${CMAKE_INSTALL_LIBDIR}" CACHE STRING "Folder below the prefix that holds vst3/ and lv2/")
+# Hosts look in lib/vst3 and lib/lv2 of /usr and /usr/local, not in an architecture's own folder.
+set (CORVANE_BUNDLE_DIR "lib" CACHE STRING "Folder below the prefix that holds vst3/ and lv2/")
 mark_as_advanced (CORVANE_BUNDLE_DIR)
 
 if ("VST3" IN_LIST CORVANE_FORMATS)
