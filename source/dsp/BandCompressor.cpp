@@ -53,6 +53,10 @@ void BandCompressor::prepare (double internalRate, int numChannels, int internal
 
     lastGain = 1.0;
 
+    // The meter goes on from where it stood, but not from an overload that left no number.
+    if (! std::isfinite (meterGain))
+        meterGain = restGain;
+
     const auto length = rampLengthFor (internalRate);
 
     for (auto* ramp : { &driveRamp, &wetRamp, &dryRamp, &midSideRamp })

@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "dsp/SmoothedSVFilter.h"
 
+#include <algorithm>
+#include <cmath>
+
 void SmoothedSVFilter::setResponse (int newType, double newFrequency, double newQ, double newGain) noexcept
 {
     type = newType;
@@ -20,7 +23,9 @@ void SmoothedSVFilter::prepare (double newRate, int numChannels, int maxSamples)
 
 SmoothedSVFilter::Coefficients SmoothedSVFilter::compute() const noexcept
 {
-    const auto t = std::tan (frequency * 3.141592653589793 / rate);
+    // Above half the rate the formulas turn unstable; what a control can ask for at usual rates stays far below.
+    const auto hz = std::min (frequency, 0.49 * rate);
+    const auto t = std::tan (hz * 3.141592653589793 / rate);
     const auto A = std::sqrt (gain);
     auto g = t;
     auto k = 1.0 / q;
