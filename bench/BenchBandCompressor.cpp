@@ -32,22 +32,24 @@ void BandWhole (benchmark::State& state)
 {
     Band band;
 
-    measure (state, block, [&]
-    {
-        band.refill();
-        band.compressor().process (band.buffer.getArrayOfWritePointers(), block);
-    });
+    measure (state, block,
+             [&]
+             {
+                 band.refill();
+                 band.compressor().process (band.buffer.getArrayOfWritePointers(), block);
+             });
 }
 
 void BandPaths (benchmark::State& state)
 {
     Band band;
 
-    measure (state, block, [&]
-    {
-        band.refill();
-        band.compressor().makePaths (band.buffer.getArrayOfWritePointers(), block);
-    });
+    measure (state, block,
+             [&]
+             {
+                 band.refill();
+                 band.compressor().makePaths (band.buffer.getArrayOfWritePointers(), block);
+             });
 }
 
 void BandSolver (benchmark::State& state)
@@ -56,34 +58,33 @@ void BandSolver (benchmark::State& state)
     std::vector<float> drive (block, 31.6f), gain (block);
     const auto* detector = band.signal.getReadPointer (0);
 
-    measure (state, block, [&]
-    {
-        band.compressor().computeGain (detector, drive.data(), gain.data(), block);
-        benchmark::DoNotOptimize (gain.data());
-    });
+    measure (state, block,
+             [&]
+             {
+                 band.compressor().computeGain (detector, drive.data(), gain.data(), block);
+                 benchmark::DoNotOptimize (gain.data());
+             });
 }
 
 void BandMidSide (benchmark::State& state)
 {
     Band band ([] (ChannelSettings& s) { s.bands[1].midSide = 1.0; });
 
-    measure (state, block, [&]
-    {
-        band.refill();
-        band.compressor().process (band.buffer.getArrayOfWritePointers(), block);
-    });
+    measure (state, block,
+             [&]
+             {
+                 band.refill();
+                 band.compressor().process (band.buffer.getArrayOfWritePointers(), block);
+             });
 }
 
 void BandIdle (benchmark::State& state)
 {
     Band band;
 
-    measure (state, block, [&]
-    {
-        band.compressor().idleAdvance (block);
-    });
+    measure (state, block, [&] { band.compressor().idleAdvance (block); });
 }
-}
+} // namespace
 
 BENCHMARK (BandWhole);
 BENCHMARK (BandPaths);

@@ -15,10 +15,7 @@ void runFilter (benchmark::State& state, Filter& filter)
     const juce::ScopedNoDenormals noDenormals;
     auto buffer = programme (2, block);
 
-    measure (state, block, [&]
-    {
-        filter.process (buffer.getArrayOfWritePointers(), block);
-    });
+    measure (state, block, [&] { filter.process (buffer.getArrayOfWritePointers(), block); });
 }
 
 void CrossoverStereo (benchmark::State& state)
@@ -41,13 +38,14 @@ void MeterTapMono (benchmark::State& state)
     const auto buffer = programme (1, block);
     RmsFollower follower (rate);
 
-    measure (state, block, [&]
-    {
-        for (int i = 0; i < block; ++i)
-            benchmark::DoNotOptimize (follower.follow (buffer.getSample (0, i)));
-    });
+    measure (state, block,
+             [&]
+             {
+                 for (int i = 0; i < block; ++i)
+                     benchmark::DoNotOptimize (follower.follow (buffer.getSample (0, i)));
+             });
 }
-}
+} // namespace
 
 BENCHMARK (CrossoverStereo);
 BENCHMARK (DetectorShelfMono);

@@ -17,12 +17,13 @@ void OversamplerUpAndDown (benchmark::State& state)
     auto host = programme (1, block);
     std::vector<float> high (static_cast<std::size_t> (block * factor));
 
-    measure (state, block, [&]
-    {
-        oversampler.up (host.getReadPointer (0), high.data(), block);
-        oversampler.down (high.data(), host.getWritePointer (0), block);
-    });
+    measure (state, block,
+             [&]
+             {
+                 oversampler.up (host.getReadPointer (0), high.data(), block);
+                 oversampler.down (high.data(), host.getWritePointer (0), block);
+             });
 }
-}
+} // namespace
 
 BENCHMARK (OversamplerUpAndDown)->ArgName ("factor")->Arg (2)->Arg (3)->Arg (4)->Arg (8)->Arg (16);

@@ -51,4 +51,4 @@ void measure (benchmark::State& state, int frames, Work&& work)
     state.counters["ns/frame"] = perFrame;
     state.counters["core_%"] = perFrame * rate * 1.0e-7;
 }
-}
+} // namespace BenchSupport

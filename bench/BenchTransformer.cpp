@@ -17,11 +17,12 @@ void TransformerMono (benchmark::State& state)
     const auto signal = programme (1, block);
     juce::AudioBuffer<float> buffer (1, block);
 
-    measure (state, block, [&]
-    {
-        buffer.copyFrom (0, 0, signal, 0, 0, block);
-        transformer.process (buffer.getWritePointer (0), block, channel);
-    });
+    measure (state, block,
+             [&]
+             {
+                 buffer.copyFrom (0, 0, signal, 0, 0, block);
+                 transformer.process (buffer.getWritePointer (0), block, channel);
+             });
 }
 
 void Tanh (benchmark::State& state)
@@ -31,14 +32,14 @@ void Tanh (benchmark::State& state)
     for (std::size_t i = 0; i < source.size(); ++i)
         source[i] = -3.0 + 6.0 * static_cast<double> (i) / block;
 
-
-    measure (state, block, [&]
-    {
-        VectorOps::tanh (source.data(), result.data(), block);
-        benchmark::DoNotOptimize (result.data());
-    });
+    measure (state, block,
+             [&]
+             {
+                 VectorOps::tanh (source.data(), result.data(), block);
+                 benchmark::DoNotOptimize (result.data());
+             });
 }
-}
+} // namespace
 
 BENCHMARK (TransformerMono);
 BENCHMARK (Tanh);

@@ -21,15 +21,16 @@ void WholePlugin (benchmark::State& state)
     juce::AudioBuffer<float> buffer (channels, block);
     int next = 0;
 
-    measure (state, block, [&]
-    {
-        for (int c = 0; c < channels; ++c)
-            buffer.copyFrom (c, 0, input, c, next * block, block);
+    measure (state, block,
+             [&]
+             {
+                 for (int c = 0; c < channels; ++c)
+                     buffer.copyFrom (c, 0, input, c, next * block, block);
 
-        harness.block (buffer);
-        benchmark::DoNotOptimize (buffer.getReadPointer (0));
-        next = (next + 1) % numBlocks;
-    });
+                 harness.block (buffer);
+                 benchmark::DoNotOptimize (buffer.getReadPointer (0));
+                 next = (next + 1) % numBlocks;
+             });
 }
 
 /** The fully dry path, as with the Bypass control. */
@@ -38,13 +39,14 @@ void FullyDry (benchmark::State& state)
     ProcessorHarness harness (2, rate, block, 2, [] (ChannelSettings& s) { s.bypass.setTarget (1.0); });
     auto buffer = programme (2, block);
 
-    measure (state, block, [&]
-    {
-        harness.block (buffer);
-        benchmark::DoNotOptimize (buffer.getReadPointer (0));
-    });
+    measure (state, block,
+             [&]
+             {
+                 harness.block (buffer);
+                 benchmark::DoNotOptimize (buffer.getReadPointer (0));
+             });
 }
-}
+} // namespace
 
 BENCHMARK (WholePlugin)->ArgNames ({ "factor", "channels" })->ArgsProduct ({ { 1, 2, 4, 8, 16 }, { 1, 2 } });
 BENCHMARK (FullyDry);

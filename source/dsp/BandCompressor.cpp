@@ -8,21 +8,16 @@
 
 namespace
 {
-    /** The detector high-pass exists from here up; below, its control reads "OFF". */
-    constexpr double lowestHighPassHz = 20.01;
+/** The detector high-pass exists from here up; below, its control reads "OFF". */
+constexpr double lowestHighPassHz = 20.01;
 
-    bool highPassIsIn (double hz) noexcept { return hz >= lowestHighPassHz; }
-}
+bool highPassIsIn (double hz) noexcept { return hz >= lowestHighPassHz; }
+} // namespace
 
 BandCompressor::BandCompressor (int index)
-    : law (ControlLaw::shared()),
-      transferTable (&DetectorCurves::forRatio (0)),
-      ratioFeedbackOhms (39000.0),
-      ratioGroundOhms (3300.0),
-      ratioParallelOhms (3042.553191489362),
-      restGain (law (static_cast<float> (floorVoltage))),
-      meterGain (restGain),
-      bandIndex (index)
+    : law (ControlLaw::shared()), transferTable (&DetectorCurves::forRatio (0)), ratioFeedbackOhms (39000.0),
+      ratioGroundOhms (3300.0), ratioParallelOhms (3042.553191489362),
+      restGain (law (static_cast<float> (floorVoltage))), meterGain (restGain), bandIndex (index)
 {
     updateCoefficients();
 }
@@ -75,8 +70,13 @@ void BandCompressor::prepare (double internalRate, int numChannels, int internal
 
 void BandCompressor::buildToneCascade()
 {
-    struct Row { int type; double hz, q, gain; };
+    struct Row
+    {
+        int type;
+        double hz, q, gain;
+    };
 
+    // clang-format off
     constexpr Row rows[] = {
         { NVX::svHighPass,    9.5,     0.796, 1.0 },
         { NVX::svBell,        22.5,    5.0,   0.9931160484209338 },    // -0.06 dB
@@ -85,6 +85,7 @@ void BandCompressor::buildToneCascade()
         { NVX::iirHighShelf,  12000.0, 0.5,   0.954992586021436 },     // -0.4 dB
         { NVX::iirHighShelf,  20000.0, 1.2,   0.9772372209558107 }     // -0.2 dB
     };
+    // clang-format on
 
     toneCascade.clearFilters();
 
@@ -121,8 +122,8 @@ void BandCompressor::setNiveau (bool on) noexcept
 {
     if (on)
     {
-        lowShelf.setResponse (SmoothedSVFilter::lowShelf, 125.0, 0.3, 0.12589254117941673);     // -18 dB
-        highShelf.setResponse (SmoothedSVFilter::highShelf, 8000.0, 0.3, 7.943282347242816);    // +18 dB
+        lowShelf.setResponse (SmoothedSVFilter::lowShelf, 125.0, 0.3, 0.12589254117941673);  // -18 dB
+        highShelf.setResponse (SmoothedSVFilter::highShelf, 8000.0, 0.3, 7.943282347242816); // +18 dB
     }
 
     lowShelf.mix.setTarget (on ? 1.0 : 0.0);

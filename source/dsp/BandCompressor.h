@@ -3,10 +3,10 @@
 
 #include "dsp/ControlLaw.h"
 #include "dsp/DetectorCurves.h"
+#include "dsp/nvx/FilterCascade.h"
 #include "dsp/RCSection.h"
 #include "dsp/ScratchPool.h"
 #include "dsp/SmoothedSVFilter.h"
-#include "dsp/nvx/FilterCascade.h"
 #include "processor/ChannelSettings.h"
 
 /** One band: a feedback compressor whose gain element is driven by a capacitor voltage, solved sample by sample.
@@ -64,35 +64,35 @@ public:
     void setNiveau (bool on) noexcept;
 
     // ---- gain computer -----------------------------------------------------------------------
-    static constexpr double floorVoltage = 0.1;     // V; the main capacitor's rest and the law's lowest argument
-    static constexpr int maxPasses = 6;             // of the solver: the sixth value stands, converged or not
+    static constexpr double floorVoltage = 0.1; // V; the main capacitor's rest and the law's lowest argument
+    static constexpr int maxPasses = 6;         // of the solver: the sixth value stands, converged or not
 
     const ControlLaw& law;
-    const DetectorCurve* transferTable;             // the ratio's curve
-    double ratioFeedbackOhms, ratioGroundOhms, ratioParallelOhms;   // what the curve was made from; read by nothing
+    const DetectorCurve* transferTable;                           // the ratio's curve
+    double ratioFeedbackOhms, ratioGroundOhms, ratioParallelOhms; // what the curve was made from; read by nothing
 
     RCSection mainCapacitor { 0.000022, 82000.0, floorVoltage };
     RCSection auxCapacitor { 0.000125, 68000.0, 0.0 };
 
     double attackOhms = 270.0, recoveryOhms = 71900.0;
     bool autoRecovery = true;
-    double attackCoefficient, recoveryCoefficient;  // of the main capacitor
-    double auxLeakCoef;                             // of the auxiliary one, through 68 kilohm
-    double thresholdGain = 15.848931924611142;      // linear, into the detector; 24 dB
-    double restGain;                                // the law at the floor voltage, -33.702 dB
-    double lastGain = 1.0;                          // the solver's first guess
-    double makeupSmooth = 1.0, makeupA = 0.0, makeupB = 1.0;    // automatic make-up, 2 s
-    double meterGain, meterA = 0.0, meterB = 1.0;               // averaged gain, 0.4 s
+    double attackCoefficient, recoveryCoefficient;           // of the main capacitor
+    double auxLeakCoef;                                      // of the auxiliary one, through 68 kilohm
+    double thresholdGain = 15.848931924611142;               // linear, into the detector; 24 dB
+    double restGain;                                         // the law at the floor voltage, -33.702 dB
+    double lastGain = 1.0;                                   // the solver's first guess
+    double makeupSmooth = 1.0, makeupA = 0.0, makeupB = 1.0; // automatic make-up, 2 s
+    double meterGain, meterA = 0.0, meterB = 1.0;            // averaged gain, 0.4 s
     bool autoMakeup = false;
-    bool bandActive = true;                         // the detector is in use
+    bool bandActive = true; // the detector is in use
 
     // ---- signal path -------------------------------------------------------------------------
     int channels = 0;
-    double rate = 44100.0;                          // processing rate, Hz
+    double rate = 44100.0; // processing rate, Hz
 
-    LinearSmoother driveRamp { 31.622776601683793 };    // linear drive into the band, 30 dB
-    LinearSmoother wetRamp { 1.0 };                     // gain of the compressed signal
-    LinearSmoother dryRamp { 0.0 };                     // gain of the signal as it came
+    LinearSmoother driveRamp { 31.622776601683793 }; // linear drive into the band, 30 dB
+    LinearSmoother wetRamp { 1.0 };                  // gain of the compressed signal
+    LinearSmoother dryRamp { 0.0 };                  // gain of the signal as it came
     LinearSmoother midSideRamp { 0.5 };
 
     // The band's own copies of the record's values, to see what changed.
@@ -101,7 +101,7 @@ public:
     bool niveau = true;
     double calibrationGain = 14.5075;
 
-    NVX::FilterCascade toneCascade;                     // the response of the unit's audio path
+    NVX::FilterCascade toneCascade; // the response of the unit's audio path
     SmoothedSVFilter highPass { SmoothedSVFilter::highPass };
     SmoothedSVFilter lowShelf { SmoothedSVFilter::lowShelf };
     SmoothedSVFilter highShelf { SmoothedSVFilter::highShelf };
@@ -113,12 +113,24 @@ private:
     void applyMidSide (float* const* bandChannels, int numSamples) noexcept;
 
     // Scratch vectors: the wet copy of each channel, then these, counted from the number of channels on.
-    enum Vector : int { detectorVector, driveVector, wetVector, dryVector, gainVector, reservedVector,
-                        midShareVector, sideShareVector, midGainVector, sideGainVector, numVectors };
+    enum Vector : int
+    {
+        detectorVector,
+        driveVector,
+        wetVector,
+        dryVector,
+        gainVector,
+        reservedVector,
+        midShareVector,
+        sideShareVector,
+        midGainVector,
+        sideGainVector,
+        numVectors
+    };
     float* vector (Vector which) noexcept { return pool[channels + which]; }
 
     const int bandIndex;
     bool ready = false;
-    bool midSideActive = false;         // of the block in progress
+    bool midSideActive = false; // of the block in progress
     ScratchPool pool;
 };

@@ -7,37 +7,39 @@
 
 namespace
 {
-    constexpr double fourDecibels = 1.5848931924611136;     // gain of the unit's line amplifier
-    constexpr double solverTolerance = 0.00000001;          // of the linear gain
+constexpr double fourDecibels = 1.5848931924611136; // gain of the unit's line amplifier
+constexpr double solverTolerance = 0.00000001;      // of the linear gain
 
-    struct Voltages { double main, aux; };
+struct Voltages
+{
+    double main, aux;
+};
 
-    /** Both recovery branches use the voltages from the start of the sample; `charged` is the main capacitor after
-        the attack branch. In auto mode it discharges quickly, but only down to the auxiliary one, which follows
-        slowly: short peaks recover fast, sustained compression slowly. */
-    struct Recovery
+/** Both recovery branches use the voltages from the start of the sample; `charged` is the main capacitor after
+    the attack branch. In auto mode it discharges quickly, but only down to the auxiliary one, which follows
+    slowly: short peaks recover fast, sustained compression slowly. */
+struct Recovery
+{
+    bool automatic;
+    double recoveryCoefficient, auxChargeCoef, auxLeakCoef;
+
+    Voltages step (double charged, double capV, double auxV) const noexcept
     {
-        bool automatic;
-        double recoveryCoefficient, auxChargeCoef, auxLeakCoef;
+        constexpr auto rest = BandCompressor::floorVoltage;
 
-        Voltages step (double charged, double capV, double auxV) const noexcept
-        {
-            constexpr auto rest = BandCompressor::floorVoltage;
+        if (automatic)
+            return { charged + ((auxV + rest) - capV) * recoveryCoefficient,
+                     auxV + ((capV - rest) - auxV) * auxChargeCoef + (0.0 - auxV) * auxLeakCoef };
 
-            if (automatic)
-                return { charged + ((auxV + rest) - capV) * recoveryCoefficient,
-                         auxV + ((capV - rest) - auxV) * auxChargeCoef + (0.0 - auxV) * auxLeakCoef };
-
-            return { charged + (rest - capV) * recoveryCoefficient,
-                     auxV + (0.0 - auxV) * auxLeakCoef };
-        }
-    };
-
-    inline double gainAt (const ControlLaw& law, double volts) noexcept
-    {
-        return law (static_cast<float> (std::max (volts, BandCompressor::floorVoltage)));
+        return { charged + (rest - capV) * recoveryCoefficient, auxV + (0.0 - auxV) * auxLeakCoef };
     }
+};
+
+inline double gainAt (const ControlLaw& law, double volts) noexcept
+{
+    return law (static_cast<float> (std::max (volts, BandCompressor::floorVoltage)));
 }
+} // namespace
 
 void BandCompressor::computeGain (const float* detector, const float* drive, float* gainOut, int numSamples) noexcept
 {
@@ -77,7 +79,7 @@ void BandCompressor::computeGain (const float* detector, const float* drive, flo
                 charged = capV;
 
                 if (r > capV)
-                    charged = capV + (r - capV) * attack;       // a capacitor only charges towards r
+                    charged = capV + (r - capV) * attack; // a capacitor only charges towards r
 
                 g = gainAt (law, charged);
 
@@ -126,7 +128,7 @@ void BandCompressor::idleAdvance (int numSamples) noexcept
     }
 
     if (numSamples > 0)
-        lastGain = 1.0;     // not the last gain, on purpose: the solver starts afresh
+        lastGain = 1.0; // not the last gain, on purpose: the solver starts afresh
 
     mainCapacitor.voltage = capV;
     auxCapacitor.voltage = auxV;

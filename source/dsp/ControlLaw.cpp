@@ -22,11 +22,11 @@ float ControlLaw::compute (float v) noexcept
 
 ControlLaw::ControlLaw()
 {
-    entries[0] = 0.020780690014362335f;     // the law at 0, as the unit's table holds it
+    entries[0] = 0.020780690014362335f; // the law at 0, as the unit's table holds it
 
     for (int i = 1; i < numEntries; ++i)
-        entries[static_cast<std::size_t> (i)]
-            = compute ((10.0f - 0.0f) * static_cast<float> (i) * 0.000030517578125f + 0.0f);
+        entries[static_cast<std::size_t> (i)] =
+            compute ((10.0f - 0.0f) * static_cast<float> (i) * 0.000030517578125f + 0.0f);
 }
 
 const ControlLaw& ControlLaw::shared()

@@ -13,8 +13,8 @@
 class ControlLaw
 {
 public:
-    static constexpr int numEntries = 32768;                    // over 0 to 10 V
-    static constexpr float indexScale = 3276.800048828125f;     // entries per volt; the float nearest 3276.8
+    static constexpr int numEntries = 32768;                // over 0 to 10 V
+    static constexpr float indexScale = 3276.800048828125f; // entries per volt; the float nearest 3276.8
 
     /** The law itself. */
     static float compute (float volts) noexcept;
@@ -39,7 +39,7 @@ public:
         return compute (volts);
     }
 
-    std::array<float, numEntries> entries;      // gain at i * 10 / 32768 volt
+    std::array<float, numEntries> entries; // gain at i * 10 / 32768 volt
 
 private:
     ControlLaw();

@@ -32,8 +32,8 @@ CrossoverFilter::Coefficients CrossoverFilter::compute() const noexcept
 
     switch (type)
     {
-        case lowPass:   return { 1.0 - p, 0.0, p };
-        case highPass:  return { (p + 1.0) * 0.5, (p + 1.0) * -0.5, p };
-        default:        return { 1.0, 0.0, 0.0 };
+        case lowPass: return { 1.0 - p, 0.0, p };
+        case highPass: return { (p + 1.0) * 0.5, (p + 1.0) * -0.5, p };
+        default: return { 1.0, 0.0, 0.0 };
     }
 }

@@ -28,7 +28,11 @@ struct FirstOrderResponse
 class CrossoverFilter : public GlidingFilter<FirstOrderResponse>
 {
 public:
-    enum Type : int { lowPass = 0, highPass = 1 };      // any other passes the signal
+    enum Type : int
+    {
+        lowPass = 0,
+        highPass = 1
+    }; // any other passes the signal
 
     /** Constructed at 1000 Hz, rate 44100. */
     explicit CrossoverFilter (int initialType) noexcept;

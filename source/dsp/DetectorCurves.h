@@ -14,9 +14,9 @@ struct DetectorCurve
 {
     static constexpr int numEntries = 32768;
 
-    float xMin, xMax;           // range of the table, V
-    float step, indexScale;     // V per entry; entries per V
-    double feedbackOhms;        // the ratio switch of the unit: what the curve was made from, read by nothing
+    float xMin, xMax;       // range of the table, V
+    float step, indexScale; // V per entry; entries per V
+    double feedbackOhms;    // the ratio switch of the unit: what the curve was made from, read by nothing
     double groundOhms;
     double parallelOhms;
     const float* entries;
@@ -45,8 +45,8 @@ private:
 
 namespace DetectorCurves
 {
-    constexpr int numCurves = 5;        // ratio rows 1.5:1, 2:1, 3:1, 4:1, 6:1
+constexpr int numCurves = 5; // ratio rows 1.5:1, 2:1, 3:1, 4:1, 6:1
 
-    /** The curve of a ratio row from 0 to 4. Other rows are the caller's fault. */
-    const DetectorCurve& forRatio (int row) noexcept;
-}
+/** The curve of a ratio row from 0 to 4. Other rows are the caller's fault. */
+const DetectorCurve& forRatio (int row) noexcept;
+} // namespace DetectorCurves

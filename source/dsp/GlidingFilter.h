@@ -31,7 +31,10 @@ public:
     static constexpr int numCoefficients = Response::numCoefficients;
     using Coefficients = std::array<double, numCoefficients>;
 
-    struct State { double a = 0.0, b = 0.0; };
+    struct State
+    {
+        double a = 0.0, b = 0.0;
+    };
 
     void process (float* const* channels, int numSamples) noexcept
     {
@@ -68,7 +71,7 @@ public:
     bool ready = false;         // set by prepare
     LinearSmoother mix { 1.0 }; // 0 the filter is out, 1 it is in
     std::array<LinearSmoother, static_cast<std::size_t> (numCoefficients)> smoothers;
-    std::vector<State> states;  // one a channel
+    std::vector<State> states; // one a channel
 
 protected:
     /** Makes the states, lands every smoother, sizes the vectors. States of channels that stay are kept, as a tape
@@ -114,7 +117,7 @@ protected:
 private:
     static void zeroIfTiny (double& value) noexcept
     {
-        if (std::abs (value) < 2.2250738585072014e-308)     // the smallest normal double
+        if (std::abs (value) < 2.2250738585072014e-308) // the smallest normal double
             value = 0.0;
     }
 
@@ -184,6 +187,6 @@ private:
         }
     }
 
-    std::array<std::vector<double>, static_cast<std::size_t> (numCoefficients)> glide;  // per-sample coefficients
-    juce::AudioBuffer<float> unfiltered;    // a share a channel, then mix, then 1 - mix
+    std::array<std::vector<double>, static_cast<std::size_t> (numCoefficients)> glide; // per-sample coefficients
+    juce::AudioBuffer<float> unfiltered; // a share a channel, then mix, then 1 - mix
 };

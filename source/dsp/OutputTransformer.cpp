@@ -7,10 +7,8 @@
 #include <cmath>
 
 OutputChannelState::OutputChannelState (double T) noexcept
-    : integrateA (1.0 - std::exp (-T / 0.0025)),
-      integrateB (1.0 - integrateA),
-      differentiateA (1.0 - std::exp (-T / 0.0025)),
-      differentiateB (1.0 - differentiateA)
+    : integrateA (1.0 - std::exp (-T / 0.0025)), integrateB (1.0 - integrateA),
+      differentiateA (1.0 - std::exp (-T / 0.0025)), differentiateB (1.0 - differentiateA)
 {
 }
 

@@ -9,13 +9,13 @@ struct OutputChannelState
     /** At rest, for a sample period T in seconds. */
     explicit OutputChannelState (double T) noexcept;
 
-    double envelope = 0.0;          // level follower
-    double flux = 0.0;              // leaky integral of the signal
-    double lastOut = 0.0;           // last sample before the differentiator
-    double integrateA = 0.0;        // stored, read by nothing
-    double integrateB = 0.0;        // leak of the integrator: 2.5 ms
-    double differentiateA = 0.0;    // stored, read by nothing
-    double differentiateB = 0.0;    // weight of the previous sample in the differentiator
+    double envelope = 0.0;       // level follower
+    double flux = 0.0;           // leaky integral of the signal
+    double lastOut = 0.0;        // last sample before the differentiator
+    double integrateA = 0.0;     // stored, read by nothing
+    double integrateB = 0.0;     // leak of the integrator: 2.5 ms
+    double differentiateA = 0.0; // stored, read by nothing
+    double differentiateB = 0.0; // weight of the previous sample in the differentiator
 };
 
 /** The output transformer: integrate, saturate the flux, differentiate.
@@ -37,17 +37,17 @@ public:
     void prepare (double T) noexcept;
     void process (float* channel, int numSamples, OutputChannelState& state) noexcept;
 
-    double envelopeA = 0.0, envelopeB = 0.0;    // level follower, 5 ms
-    double kneeScale = 0.0;                     // 90 T
-    double fluxWeight = 0.0;                    // 700 T
+    double envelopeA = 0.0, envelopeB = 0.0; // level follower, 5 ms
+    double kneeScale = 0.0;                  // 90 T
+    double fluxWeight = 0.0;                 // 700 T
 
 private:
-    static constexpr int chunkSize = 256;       // the vectors of a chunk stay in the nearest cache
+    static constexpr int chunkSize = 256; // the vectors of a chunk stay in the nearest cache
 
     void processChunk (float* channel, int n, OutputChannelState& state) noexcept;
 
     alignas (64) double x[chunkSize];
-    alignas (64) double y[chunkSize];           // flux
-    alignas (64) double level[chunkSize];       // envelope, then knee
-    alignas (64) double z[chunkSize];           // saturated flux
+    alignas (64) double y[chunkSize];     // flux
+    alignas (64) double level[chunkSize]; // envelope, then knee
+    alignas (64) double z[chunkSize];     // saturated flux
 };

@@ -11,7 +11,7 @@ std::vector<float> OversamplerChannel::designTaps (int factor)
 {
     constexpr double pi = 3.141592653589793;
     const auto numTaps = (52 * factor) | 1;
-    const auto cutoff = ((factor * -4.0) / numTaps + 1.0) * 0.5 / factor;     // of the high rate
+    const auto cutoff = ((factor * -4.0) / numTaps + 1.0) * 0.5 / factor; // of the high rate
     const auto centre = (numTaps - 1) / 2;
 
     std::vector<double> taps (static_cast<std::size_t> (numTaps));
@@ -27,7 +27,8 @@ std::vector<float> OversamplerChannel::designTaps (int factor)
     }
 
     std::vector<float> result (taps.size());
-    std::transform (taps.begin(), taps.end(), result.begin(), [sum] (double tap) { return static_cast<float> (tap / sum); });
+    std::transform (taps.begin(), taps.end(), result.begin(),
+                    [sum] (double tap) { return static_cast<float> (tap / sum); });
     return result;
 }
 
@@ -89,7 +90,7 @@ void OversamplerChannel::upChunk (const float* in, float* out, int n) noexcept
     auto* line = upLine.data();
     std::copy (in, in + n, line + history);
 
-    const auto gain = static_cast<float> (factor);      // makes up for the zeros between the samples
+    const auto gain = static_cast<float> (factor); // makes up for the zeros between the samples
 
     for (int phase = 0; phase < factor; ++phase)
     {

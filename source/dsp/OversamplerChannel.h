@@ -34,8 +34,8 @@ public:
     int tapCount = 0;
 
 private:
-    static constexpr int chunkSize = 64;    // host samples a pass
-    static constexpr int history = 53;      // host samples that a filter looks back, at most
+    static constexpr int chunkSize = 64; // host samples a pass
+    static constexpr int history = 53;   // host samples that a filter looks back, at most
 
     /** One phase of the filter: total[i] += sum over k of taps[k] * newest[i - k], added up from k = 0. */
     static void addPhase (const float* taps, int numTaps, const float* newest, float* total, int n) noexcept;
@@ -43,11 +43,11 @@ private:
     void upChunk (const float* in, float* out, int n) noexcept;
     void downChunk (const float* in, float* out, int n) noexcept;
 
-    int numTapsOf (int phase) const noexcept        { return phase == 0 ? history : history - 1; }
-    const float* tapsOf (int phase) const noexcept  { return phaseTaps.data() + phase * history; }
-    float* downLine (int q) noexcept                { return downLines.data() + q * (history + chunkSize); }
+    int numTapsOf (int phase) const noexcept { return phase == 0 ? history : history - 1; }
+    const float* tapsOf (int phase) const noexcept { return phaseTaps.data() + phase * history; }
+    float* downLine (int q) noexcept { return downLines.data() + q * (history + chunkSize); }
 
-    std::vector<float> phaseTaps;   // F x history: tap k F + p stands at [p][k]
-    std::vector<float> upLine;      // history, then the chunk
-    std::vector<float> downLines;   // the same for each of the F places within a group
+    std::vector<float> phaseTaps; // F x history: tap k F + p stands at [p][k]
+    std::vector<float> upLine;    // history, then the chunk
+    std::vector<float> downLines; // the same for each of the F places within a group
 };

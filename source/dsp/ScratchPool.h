@@ -38,15 +38,15 @@ public:
         stride = 0;
     }
 
-    float* operator[] (int index) noexcept      { return first + static_cast<std::size_t> (index) * stride; }
-    int numVectors() const noexcept             { return count; }
-    int length() const noexcept                 { return size; }
+    float* operator[] (int index) noexcept { return first + static_cast<std::size_t> (index) * stride; }
+    int numVectors() const noexcept { return count; }
+    int length() const noexcept { return size; }
 
 private:
     static constexpr std::size_t alignmentBytes = 64;
 
     std::vector<float> storage;
     float* first = nullptr;
-    std::size_t stride = 0;     // samples from one vector to the next
+    std::size_t stride = 0; // samples from one vector to the next
     int count = 0, size = 0;
 };

@@ -33,11 +33,22 @@ SmoothedSVFilter::Coefficients SmoothedSVFilter::compute() const noexcept
 
     switch (type)
     {
-        case lowPass:   m2 = 1.0;                       break;
-        case bandPass:  m1 = 1.0;                       break;
-        case highPass:  m0 = 1.0; m1 = -k; m2 = -1.0;   break;
-        case notch:     m0 = 1.0; m1 = -k;              break;
-        case peak:      m0 = 1.0; m1 = -k; m2 = -2.0;   break;
+        case lowPass: m2 = 1.0; break;
+        case bandPass: m1 = 1.0; break;
+        case highPass:
+            m0 = 1.0;
+            m1 = -k;
+            m2 = -1.0;
+            break;
+        case notch:
+            m0 = 1.0;
+            m1 = -k;
+            break;
+        case peak:
+            m0 = 1.0;
+            m1 = -k;
+            m2 = -2.0;
+            break;
 
         case bell:
             k = 1.0 / (q * A);
@@ -59,8 +70,7 @@ SmoothedSVFilter::Coefficients SmoothedSVFilter::compute() const noexcept
             m2 = 1.0 - A * A;
             break;
 
-        default:
-            return {};      // an unknown type is silent, as in the filter library
+        default: return {}; // an unknown type is silent, as in the filter library
     }
 
     const auto a1 = 1.0 / ((k + g) * g + 1.0);

@@ -27,7 +27,17 @@ struct StateVariableResponse
 class SmoothedSVFilter : public GlidingFilter<StateVariableResponse>
 {
 public:
-    enum Type : int { lowPass = 0, highPass, bell, lowShelf, highShelf, bandPass, notch, peak };
+    enum Type : int
+    {
+        lowPass = 0,
+        highPass,
+        bell,
+        lowShelf,
+        highShelf,
+        bandPass,
+        notch,
+        peak
+    };
 
     /** Constructed at 1000 Hz, Q 1, gain 1. */
     explicit SmoothedSVFilter (int initialType) noexcept : type (initialType) {}

@@ -6,12 +6,12 @@
 /** The fifteen read-only programs of the unit. */
 namespace FactoryPrograms
 {
-    constexpr int numPrograms = 15;
+constexpr int numPrograms = 15;
 
-    /** The name of a program; an empty text for an index outside 0 to 14. */
-    const char* name (int index) noexcept;
+/** The name of a program; an empty text for an index outside 0 to 14. */
+const char* name (int index) noexcept;
 
-    /** Writes a program's values into a record, every smoother at rest on its value in both forms. Fields that no
-        program holds (owner, calibration, meters) stay. An index outside 0 to 14 changes nothing. Stopped. */
-    void fill (ChannelSettings& record, int index) noexcept;
-}
+/** Writes a program's values into a record, every smoother at rest on its value in both forms. Fields that no
+    program holds (owner, calibration, meters) stay. An index outside 0 to 14 changes nothing. Stopped. */
+void fill (ChannelSettings& record, int index) noexcept;
+} // namespace FactoryPrograms

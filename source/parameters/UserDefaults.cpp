@@ -5,7 +5,7 @@
 
 namespace
 {
-    constexpr double circuitReference = 1.1523716865;
+constexpr double circuitReference = 1.1523716865;
 }
 
 UserDefaults::UserDefaults()
@@ -23,15 +23,12 @@ UserDefaults::UserDefaults()
     properties.setStorageParameters (options);
 }
 
-juce::PropertiesFile& UserDefaults::file()
-{
-    return *properties.getUserSettings();
-}
+juce::PropertiesFile& UserDefaults::file() { return *properties.getUserSettings(); }
 
 double UserDefaults::calibrationDb()
 {
     const auto stored = file().getDoubleValue ("Calibration", defaultCalibrationDb);
-    const auto inRange = stored >= lowestCalibrationDb && stored <= highestCalibrationDb;     // not for a NaN
+    const auto inRange = stored >= lowestCalibrationDb && stored <= highestCalibrationDb; // not for a NaN
     return inRange ? stored : defaultCalibrationDb;
 }
 

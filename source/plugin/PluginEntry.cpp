@@ -2,10 +2,7 @@
 #include "processor/CorvaneQ7AudioProcessor.h"
 
 /** What the format wrappers call for each instance. */
-juce::AudioProcessor* JUCE_CALLTYPE createPluginFilter()
-{
-    return new CorvaneQ7AudioProcessor();
-}
+juce::AudioProcessor* JUCE_CALLTYPE createPluginFilter() { return new CorvaneQ7AudioProcessor(); }
 
 // The window of the bundles in this version is the framework's plain panel. These definitions stand beside the entry,
 // because a linker takes from a library of objects only those that something before it asked for.

@@ -7,27 +7,30 @@
 
 namespace
 {
-    // The labels on the panel do not match these as time constants; the resistors are what sounds.
-    constexpr double attackTable[] = { 10.0, 70.0, 270.0, 1400.0 };                         // ohm: "2uS" to "10mS"
-    constexpr double recoveryTable[] = { 8200.0, 39000.0, 82000.0, 180000.0, 3900.0 };      // ohm: "100mS" to "Auto"
-    constexpr int autoRecoveryRow = 4;
+// The labels on the panel do not match these as time constants; the resistors are what sounds.
+constexpr double attackTable[] = { 10.0, 70.0, 270.0, 1400.0 };                    // ohm: "2uS" to "10mS"
+constexpr double recoveryTable[] = { 8200.0, 39000.0, 82000.0, 180000.0, 3900.0 }; // ohm: "100mS" to "Auto"
+constexpr int autoRecoveryRow = 4;
 
-    constexpr double nukeDriveDb = 15.0;        // more drive into the band
-    constexpr double nukeThresholdDb = 20.0;    // more sensitivity of the detector
-    constexpr double autoMakeupDriveDb = 30.0;  // where Gain 0 puts it
+constexpr double nukeDriveDb = 15.0;       // more drive into the band
+constexpr double nukeThresholdDb = 20.0;   // more sensitivity of the detector
+constexpr double autoMakeupDriveDb = 30.0; // where Gain 0 puts it
 
-    template <int size>
-    bool isRow (int index, const double (&)[size]) noexcept { return index >= 0 && index < size; }
-
-    bool anotherBandIsSolo (const ChannelSettings& settings, int band) noexcept
-    {
-        for (int b = 0; b < ChannelSettings::numBands; ++b)
-            if (b != band && settings.bands[b].solo)
-                return true;
-
-        return false;
-    }
+template <int size>
+bool isRow (int index, const double (&)[size]) noexcept
+{
+    return index >= 0 && index < size;
 }
+
+bool anotherBandIsSolo (const ChannelSettings& settings, int band) noexcept
+{
+    for (int b = 0; b < ChannelSettings::numBands; ++b)
+        if (b != band && settings.bands[b].solo)
+            return true;
+
+    return false;
+}
+} // namespace
 
 void BandCompressor::applyBandSettings (ChannelSettings settings) noexcept
 {
@@ -53,8 +56,8 @@ void BandCompressor::applyBandSettings (ChannelSettings settings) noexcept
 
     // Below 0 dB, Gain is the automatic make-up: the drive then stays where 0 dB puts it, nuke or not.
     autoMakeup = gain < 0.0;
-    const auto driveDb = autoMakeup ? autoMakeupDriveDb
-                                    : ((gain + (settings.nuke ? nukeDriveDb : 0.0)) + 19.0 - 20.0) + 31.0;
+    const auto driveDb =
+        autoMakeup ? autoMakeupDriveDb : ((gain + (settings.nuke ? nukeDriveDb : 0.0)) + 19.0 - 20.0) + 31.0;
     driveRamp.setTarget (Decibels::toGain (driveDb));
 
     thresholdGain = Decibels::toGain ((20.0 - threshold) + (settings.nuke ? nukeThresholdDb : 0.0));

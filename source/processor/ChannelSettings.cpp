@@ -5,14 +5,14 @@
 
 namespace
 {
-    /** Master Gain, In Level and Out Level travel by their gain: it is the value that the audio path uses. */
-    void copyByGain (LinearSmoother& db, GeometricSmoother& linear, const GeometricSmoother& source) noexcept
-    {
-        const auto gain = source.target;
-        db.setTarget (Decibels::fromGain (gain));
-        linear.setTarget (gain);
-    }
+/** Master Gain, In Level and Out Level travel by their gain: it is the value that the audio path uses. */
+void copyByGain (LinearSmoother& db, GeometricSmoother& linear, const GeometricSmoother& source) noexcept
+{
+    const auto gain = source.target;
+    db.setTarget (Decibels::fromGain (gain));
+    linear.setTarget (gain);
 }
+} // namespace
 
 void ChannelSettings::setDecibels (LinearSmoother& db, GeometricSmoother& linear, double value) noexcept
 {

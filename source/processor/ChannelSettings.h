@@ -20,21 +20,26 @@ class CorvaneQ7AudioProcessor;
 struct ChannelSettings
 {
     /** What a band's meter shows. */
-    enum MeterMode : int { meterIn = 0, meterControl = 1, meterOut = 2 };
+    enum MeterMode : int
+    {
+        meterIn = 0,
+        meterControl = 1,
+        meterOut = 2
+    };
 
     struct Band
     {
         int meter = meterControl;
         bool in = true;
         bool solo = false;
-        double midSide = 0.5;                           // 0 mid, 0.5 off, 1 side
-        LinearSmoother gainDb { 2.0 };                  // dB; below 0 is automatic make-up
+        double midSide = 0.5;          // 0 mid, 0.5 off, 1 side
+        LinearSmoother gainDb { 2.0 }; // dB; below 0 is automatic make-up
         GeometricSmoother gainLinear { 1.2589254117941673 };
-        int ratio = 2;                                  // row 0 to 4: 1.5:1, 2:1, 3:1, 4:1, 6:1
-        LinearSmoother thresholdDb { -4.0 };            // dB
+        int ratio = 2;                       // row 0 to 4: 1.5:1, 2:1, 3:1, 4:1, 6:1
+        LinearSmoother thresholdDb { -4.0 }; // dB
         GeometricSmoother thresholdLinear { 0.6309573444801932 };
-        int attack = 2;                                 // row 0 to 3
-        int recovery = 4;                               // row 0 to 4; 4 is automatic
+        int attack = 2;   // row 0 to 3
+        int recovery = 4; // row 0 to 4; 4 is automatic
     };
 
     explicit ChannelSettings (CorvaneQ7AudioProcessor& ownerToUse) noexcept : owner (ownerToUse) {}
@@ -54,12 +59,12 @@ struct ChannelSettings
     static constexpr int numBands = 3;
 
     CorvaneQ7AudioProcessor& owner;
-    bool linkGuard = false;                             // true while a linked change is forwarded
+    bool linkGuard = false; // true while a linked change is forwarded
 
-    Band bands[numBands];                               // Low, Mid, High
+    Band bands[numBands]; // Low, Mid, High
 
-    double mix = 1.0;                                   // wet share, 0 to 1
-    double hpfHz = 20.0;                                // detector high-pass; below 20.01 is off
+    double mix = 1.0;    // wet share, 0 to 1
+    double hpfHz = 20.0; // detector high-pass; below 20.01 is off
     LinearSmoother masterGainDb { 0.0 };
     GeometricSmoother masterGainLinear { 1.0 };
     double lowXOverHz = 200.0;
@@ -67,19 +72,19 @@ struct ChannelSettings
     bool nuke = false;
     bool niveau = true;
     bool link = false;
-    LinearSmoother bypass { 0.0 };                      // 0 or 1, read by its target
+    LinearSmoother bypass { 0.0 }; // 0 or 1, read by its target
     LinearSmoother inLevelDb { 0.0 };
     GeometricSmoother inLevelLinear { 1.0 };
     LinearSmoother outLevelDb { 0.0 };
     GeometricSmoother outLevelLinear { 1.0 };
-    double calibrationGain = 14.5075;                   // linear; full scale to circuit level, about 22 dBu
+    double calibrationGain = 14.5075; // linear; full scale to circuit level, about 22 dBu
 
-    double lowLevel = 0.0, lowGainReduction = 1.0;      // written by audio; linear, levels relative to +4 dBu
+    double lowLevel = 0.0, lowGainReduction = 1.0; // written by audio; linear, levels relative to +4 dBu
     double midLevel = 0.0, midGainReduction = 1.0;
     double highLevel = 0.0, highGainReduction = 1.0;
 
     /** The meter outputs by band: 0 low, 1 mid, 2 high. */
-    double& level (int band) noexcept           { return band == 0 ? lowLevel : band == 1 ? midLevel : highLevel; }
+    double& level (int band) noexcept { return band == 0 ? lowLevel : band == 1 ? midLevel : highLevel; }
     double& gainReduction (int band) noexcept
     {
         return band == 0 ? lowGainReduction : band == 1 ? midGainReduction : highGainReduction;

@@ -3,9 +3,9 @@
 
 namespace
 {
-    /** Hosts choose a program right after they restored a state: within this time the state wins. */
-    constexpr std::uint32_t programShieldMs = 500;
-}
+/** Hosts choose a program right after they restored a state: within this time the state wins. */
+constexpr std::uint32_t programShieldMs = 500;
+} // namespace
 
 CorvaneQ7AudioProcessor::CorvaneQ7AudioProcessor()
     : juce::AudioProcessor (BusesProperties()
@@ -97,10 +97,7 @@ void CorvaneQ7AudioProcessor::setOversampling (int factor)
 
 // Sessions do not carry settings yet: this version hands out an empty state and takes none.
 
-void CorvaneQ7AudioProcessor::getStateInformation (juce::MemoryBlock& destination)
-{
-    destination.reset();
-}
+void CorvaneQ7AudioProcessor::getStateInformation (juce::MemoryBlock& destination) { destination.reset(); }
 
 void CorvaneQ7AudioProcessor::setStateInformation (const void*, int)
 {

@@ -3,9 +3,9 @@
 
 #include "dsp/BandCompressor.h"
 #include "dsp/CrossoverFilter.h"
+#include "dsp/nvx/DelayLine.h"
 #include "dsp/OutputTransformer.h"
 #include "dsp/OversamplerChannel.h"
-#include "dsp/nvx/DelayLine.h"
 #include "parameters/FactoryPrograms.h"
 #include "parameters/UserDefaults.h"
 #include "processor/ChannelSettings.h"
@@ -31,13 +31,13 @@ class CorvaneQ7AudioProcessor : public juce::AudioProcessor
 {
 public:
     static constexpr int numBands = ChannelSettings::numBands;
-    static constexpr int oversamplingLatency = 52;      // host samples, at every factor above 1
+    static constexpr int oversamplingLatency = 52; // host samples, at every factor above 1
 
     CorvaneQ7AudioProcessor();
     ~CorvaneQ7AudioProcessor() override = default;
 
     // ---- the host's calls --------------------------------------------------------------------
-    const juce::String getName() const override     { return "Corvane Q7"; }
+    const juce::String getName() const override { return "Corvane Q7"; }
 
     void prepareToPlay (double sampleRate, int estimatedSamplesPerBlock) override;
     void releaseResources() override;
@@ -46,15 +46,15 @@ public:
     using juce::AudioProcessor::processBlock;
     using juce::AudioProcessor::processBlockBypassed;
 
-    double getTailLengthSeconds() const override    { return 0.0; }
-    bool acceptsMidi() const override               { return false; }
-    bool producesMidi() const override              { return false; }
+    double getTailLengthSeconds() const override { return 0.0; }
+    bool acceptsMidi() const override { return false; }
+    bool producesMidi() const override { return false; }
 
     bool hasEditor() const override;
     juce::AudioProcessorEditor* createEditor() override;
 
-    int getNumPrograms() override                   { return FactoryPrograms::numPrograms; }
-    int getCurrentProgram() override                { return currentProgram; }
+    int getNumPrograms() override { return FactoryPrograms::numPrograms; }
+    int getCurrentProgram() override { return currentProgram; }
     void setCurrentProgram (int index) override;
     const juce::String getProgramName (int index) override;
     void changeProgramName (int, const juce::String&) override {}
@@ -64,7 +64,7 @@ public:
 
     // ---- the road of a control change --------------------------------------------------------
     /** The record behind the audible slot. */
-    ChannelSettings& activeSettings() noexcept      { return settingsSlots[activeSlot]; }
+    ChannelSettings& activeSettings() noexcept { return settingsSlots[activeSlot]; }
 
     /** Pushes the active record into the engine: mix, the three bands, the crossovers. Any thread; cheap, and
         without effect when nothing changed. */
@@ -85,7 +85,7 @@ public:
     void setNoiseSource (NoiseSource& source) noexcept { noise = &source; }
 
     // ---- members that the audio path reads ---------------------------------------------------
-    int maxBlockSize = 0;       // host samples; 0 until prepareToPlay
+    int maxBlockSize = 0; // host samples; 0 until prepareToPlay
 
     /** A band with its two meter taps. */
     struct BandGroup
@@ -93,46 +93,54 @@ public:
         explicit BandGroup (int index) : compressor (index) {}
 
         BandCompressor compressor;
-        std::vector<RmsFollower> inputFollowers, outputFollowers;   // one a channel
-        double inputPeak = 0.0, outputPeak = 0.0;                   // decaying peaks of the running RMS
+        std::vector<RmsFollower> inputFollowers, outputFollowers; // one a channel
+        double inputPeak = 0.0, outputPeak = 0.0;                 // decaying peaks of the running RMS
     };
 
     BandGroup bandGroups[numBands] { BandGroup (0), BandGroup (1), BandGroup (2) };
-    double meterDecay = 0.0;                                        // of the peaks, per processing-rate sample
+    double meterDecay = 0.0; // of the peaks, per processing-rate sample
 
-    LinearSmoother mixRamp { 0.0 };                                 // wet amount, 0 to 1, host rate
+    LinearSmoother mixRamp { 0.0 }; // wet amount, 0 to 1, host rate
 
     OutputTransformer transformer;
-    std::vector<OutputChannelState> transformerStates;              // one a channel
+    std::vector<OutputChannelState> transformerStates; // one a channel
 
     CrossoverFilter lowSplit { CrossoverFilter::lowPass };
     CrossoverFilter highSplit { CrossoverFilter::highPass };
 
-    juce::AudioBuffer<float> lowBuffer, midBuffer, highBuffer;      // channels x factor * maxBlockSize
-    juce::AudioBuffer<float> controlBuffer;                         // (channels + 5) x maxBlockSize
+    juce::AudioBuffer<float> lowBuffer, midBuffer, highBuffer; // channels x factor * maxBlockSize
+    juce::AudioBuffer<float> controlBuffer;                    // (channels + 5) x maxBlockSize
 
     UserDefaults userDefaults;
-    float uiZoom = 1.0f;                                            // editor scale, 0.7 to 1
+    float uiZoom = 1.0f; // editor scale, 0.7 to 1
 
-    int activeSlot = 0;                                             // 0 is A, 1 is B
+    int activeSlot = 0; // 0 is A, 1 is B
     ChannelSettings settingsSlots[2] { ChannelSettings (*this), ChannelSettings (*this) };
     juce::String programNames[FactoryPrograms::numPrograms];
-    std::vector<ChannelSettings> programs;                          // fifteen
+    std::vector<ChannelSettings> programs; // fifteen
     int currentProgram = 0;
-    std::uint32_t lastStateRestoreMs = 0;                           // millisecond counter; 0 is "never"
+    std::uint32_t lastStateRestoreMs = 0; // millisecond counter; 0 is "never"
 
-    bool freshInstance = true;                                      // until the first setStateInformation
-    int oversamplingRequested = 1;                                  // wanted by user or state
-    juce::AudioBuffer<float> workBuffer;                            // channels x factor * maxBlockSize
-    int oversamplingCurrent = 1;                                    // what the engine is built for
-    std::vector<OversamplerChannel> oversamplers;                   // one a channel
-    NVX::DelayLine dryDelay;                                        // keeps the dry copy in step with the latency
-    bool reconfiguring = false;                                     // true while reconfigure runs
-    int hostType = 0;                                               // juce::PluginHostType::HostType
+    bool freshInstance = true;                    // until the first setStateInformation
+    int oversamplingRequested = 1;                // wanted by user or state
+    juce::AudioBuffer<float> workBuffer;          // channels x factor * maxBlockSize
+    int oversamplingCurrent = 1;                  // what the engine is built for
+    std::vector<OversamplerChannel> oversamplers; // one a channel
+    NVX::DelayLine dryDelay;                      // keeps the dry copy in step with the latency
+    bool reconfiguring = false;                   // true while reconfigure runs
+    int hostType = 0;                             // juce::PluginHostType::HostType
 
 private:
     /** Per-sample control curves of a block; the dry copies stand behind them, one a channel. */
-    enum Curve : int { wetCurve, dryCurve, masterCurve, inputCurve, outputCurve, numCurves };
+    enum Curve : int
+    {
+        wetCurve,
+        dryCurve,
+        masterCurve,
+        inputCurve,
+        outputCurve,
+        numCurves
+    };
 
     /** A stretch of the host's block of at most maxBlockSize samples. */
     void processPiece (float* const* channels, int numChannels, int numSamples);
@@ -157,9 +165,9 @@ private:
     static int latencyOf (int factor) noexcept { return factor >= 2 ? oversamplingLatency : 0; }
 
     NoiseSource* noise = &NoiseSource::system();
-    int builtFactor = 1;                        // the requested factor, limited to 1 to 16
+    int builtFactor = 1; // the requested factor, limited to 1 to 16
     int builtChannels = 0;
-    std::vector<float*> piecePointers;          // channel pointers of a piece
+    std::vector<float*> piecePointers; // channel pointers of a piece
 
     JUCE_DECLARE_NON_COPYABLE_WITH_LEAK_DETECTOR (CorvaneQ7AudioProcessor)
 };

@@ -14,11 +14,11 @@
 */
 struct GeometricSmoother
 {
-    std::uint16_t length = 100;     // steps of a whole ramp
-    std::uint16_t remaining = 0;    // steps left; 0 is at rest
+    std::uint16_t length = 100;  // steps of a whole ramp
+    std::uint16_t remaining = 0; // steps left; 0 is at rest
     double current = 0.0;
     double target = 0.0;
-    double ratio = 1.0;             // multiplied per sample
+    double ratio = 1.0; // multiplied per sample
 
     GeometricSmoother() = default;
     explicit GeometricSmoother (double value) noexcept : current (value), target (value) {}
@@ -26,7 +26,7 @@ struct GeometricSmoother
     /** As LinearSmoother::setTarget, for a gain v of 0 or above. */
     void setTarget (double v) noexcept
     {
-        constexpr double smallest = 1.0e-6;     // -120 dB
+        constexpr double smallest = 1.0e-6; // -120 dB
 
         if (std::abs (v - current) < 1.0e-6)
         {

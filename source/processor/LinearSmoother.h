@@ -16,11 +16,11 @@
 */
 struct LinearSmoother
 {
-    std::uint16_t length = 100;     // steps of a whole ramp
-    std::uint16_t remaining = 0;    // steps left; 0 is at rest
+    std::uint16_t length = 100;  // steps of a whole ramp
+    std::uint16_t remaining = 0; // steps left; 0 is at rest
     double current = 0.0;
     double target = 0.0;
-    double step = 0.0;              // added per sample
+    double step = 0.0; // added per sample
 
     LinearSmoother() = default;
     explicit LinearSmoother (double value) noexcept : current (value), target (value) {}
@@ -75,6 +75,6 @@ struct LinearSmoother
 inline std::uint16_t rampLengthFor (double rate) noexcept
 {
     const auto samples = rate * 0.1;
-    const auto bounded = samples > 0.0 ? std::min (samples, 9.0e15) : 0.0;     // a NaN rate gives 0
+    const auto bounded = samples > 0.0 ? std::min (samples, 9.0e15) : 0.0; // a NaN rate gives 0
     return static_cast<std::uint16_t> (static_cast<std::uint64_t> (bounded) & 0xffffu);
 }

@@ -5,27 +5,27 @@
 
 namespace
 {
-    class SystemNoise : public NoiseSource
+class SystemNoise : public NoiseSource
+{
+public:
+    std::int32_t next() noexcept override
     {
-    public:
-        std::int32_t next() noexcept override
-        {
-            const auto drawn = std::rand();
+        const auto drawn = std::rand();
 
-            // Some C libraries draw 15 bits only: they are moved to the top of the 31.
-            if constexpr (RAND_MAX == 0x7fff)
-                return static_cast<std::int32_t> (static_cast<std::uint32_t> (drawn) << 16);
-            else
-                return static_cast<std::int32_t> (drawn);
-        }
-    };
+        // Some C libraries draw 15 bits only: they are moved to the top of the 31.
+        if constexpr (RAND_MAX == 0x7fff)
+            return static_cast<std::int32_t> (static_cast<std::uint32_t> (drawn) << 16);
+        else
+            return static_cast<std::int32_t> (drawn);
+    }
+};
 
-    class HeldNoise : public NoiseSource
-    {
-    public:
-        std::int32_t next() noexcept override { return 1 << 30; }
-    };
-}
+class HeldNoise : public NoiseSource
+{
+public:
+    std::int32_t next() noexcept override { return 1 << 30; }
+};
+} // namespace
 
 NoiseSource& NoiseSource::system() noexcept
 {

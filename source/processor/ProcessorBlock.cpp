@@ -5,13 +5,13 @@
 
 namespace
 {
-    constexpr float ceiling = 24.0f;            // the rails of the circuit, linear
-    constexpr float nukeDrive = 10.0f;          // into the transformer, 20 dB
-    constexpr float nukeReturn = 0.1f;
-    constexpr float noiseAmplitude = 4.0e-05f;  // in circuit units
+constexpr float ceiling = 24.0f;   // the rails of the circuit, linear
+constexpr float nukeDrive = 10.0f; // into the transformer, 20 dB
+constexpr float nukeReturn = 0.1f;
+constexpr float noiseAmplitude = 4.0e-05f; // in circuit units
 
-    void clipToRails (float* samples, int n) noexcept { VectorOps::clip (samples, -ceiling, ceiling, samples, n); }
-}
+void clipToRails (float* samples, int n) noexcept { VectorOps::clip (samples, -ceiling, ceiling, samples, n); }
+} // namespace
 
 bool CorvaneQ7AudioProcessor::engineIsReady() const noexcept
 {
@@ -100,7 +100,8 @@ void CorvaneQ7AudioProcessor::processPiece (float* const* channels, int numChann
 
     for (int c = 0; c < numChannels; ++c)
     {
-        VectorOps::multiplyByConstant (channels[c], static_cast<float> (settings.calibrationGain), channels[c], numSamples);
+        VectorOps::multiplyByConstant (channels[c], static_cast<float> (settings.calibrationGain), channels[c],
+                                       numSamples);
         VectorOps::multiply (channels[c], curves[inputCurve], channels[c], numSamples);
         addNoise (channels[c], numSamples);
     }
@@ -154,7 +155,7 @@ void CorvaneQ7AudioProcessor::addDryCopy (float* const* channels, int numChannel
 
 void CorvaneQ7AudioProcessor::addNoise (float* samples, int numSamples) noexcept
 {
-    constexpr float toUnit = 4.656612873077392578125e-10f;      // 2^-31
+    constexpr float toUnit = 4.656612873077392578125e-10f; // 2^-31
 
     for (int i = 0; i < numSamples; ++i)
     {

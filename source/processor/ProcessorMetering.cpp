@@ -4,9 +4,9 @@
 
 namespace
 {
-    /** Circuit units to multiples of +4 dBu: 0.7746 V * 10^(4/20). */
-    constexpr double levelScale = 1.2276582668803786;
-}
+/** Circuit units to multiples of +4 dBu: 0.7746 V * 10^(4/20). */
+constexpr double levelScale = 1.2276582668803786;
+} // namespace
 
 double CorvaneQ7AudioProcessor::tap (std::vector<RmsFollower>& followers, double levelPeak, float* const* channels,
                                      int numSamples, int numChannels) const noexcept
@@ -67,8 +67,8 @@ void CorvaneQ7AudioProcessor::updateMetersIdle (int numSamples) noexcept
     const auto internalSamples = builtFactor * numSamples;
 
     // In float, from the whole block: the last digits differ from the audio path's decay per sample.
-    const auto decay = static_cast<double> (std::pow (static_cast<float> (meterDecay),
-                                                      static_cast<float> (internalSamples)));
+    const auto decay =
+        static_cast<double> (std::pow (static_cast<float> (meterDecay), static_cast<float> (internalSamples)));
 
     for (int b = 0; b < numBands; ++b)
     {

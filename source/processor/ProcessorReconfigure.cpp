@@ -45,7 +45,7 @@ void CorvaneQ7AudioProcessor::reconfigure (double sampleRate)
         group.inputPeak = group.outputPeak = 0.0;
     }
 
-    meterDecay = std::exp (dt / -1.2);      // 1.2 seconds for a factor of e
+    meterDecay = std::exp (dt / -1.2); // 1.2 seconds for a factor of e
 
     transformer.prepare (dt);
     transformerStates.assign (static_cast<std::size_t> (channels), OutputChannelState (dt));

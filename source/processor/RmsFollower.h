@@ -15,10 +15,7 @@
 */
 struct RmsFollower
 {
-    explicit RmsFollower (double rate) noexcept
-        : coefficient ((1.0 - std::exp (-1.0 / (rate * timeConstant))) * 0.5)
-    {
-    }
+    explicit RmsFollower (double rate) noexcept : coefficient ((1.0 - std::exp (-1.0 / (rate * timeConstant))) * 0.5) {}
 
     /** Takes one sample and returns the running root mean square. */
     double follow (float sample) noexcept
@@ -32,8 +29,8 @@ struct RmsFollower
         return rms;
     }
 
-    static constexpr double timeConstant = 0.4;     // seconds
-    static constexpr double floor = 0.00001;        // of the squares
+    static constexpr double timeConstant = 0.4; // seconds
+    static constexpr double floor = 0.00001;    // of the squares
 
     double coefficient;
     double rms = 0.00001;

@@ -77,7 +77,7 @@ void expectEngineInside (juce::AudioPluginInstance& instance)
 
     instance.setRateAndBufferSizeDetails (rate, blockLength);
     instance.prepareToPlay (rate, blockLength);
-    EXPECT_EQ (instance.getLatencySamples(), 0);    // no oversampling by default
+    EXPECT_EQ (instance.getLatencySamples(), 0); // no oversampling by default
 
     const auto input = Signals::whiteNoise (2, 24000, 0xc0de, 0.5f);
     const auto output = runInstance (instance, input);
@@ -87,7 +87,7 @@ void expectEngineInside (juce::AudioPluginInstance& instance)
     EXPECT_TRUE (sameBits (output, runEngine (input)));
     instance.releaseResources();
 }
-}
+} // namespace
 
 TEST (Vst3Bundle, RunsTheEngineInAHost)
 {

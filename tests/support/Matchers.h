@@ -28,8 +28,8 @@ inline ::testing::AssertionResult equalWithin (const juce::AudioBuffer<float>& a
     for (int c = 0; c < a.getNumChannels(); ++c)
         for (int i = 0; i < a.getNumSamples(); ++i)
             if (! (std::abs (a.getSample (c, i) - b.getSample (c, i)) <= tolerance))
-                return ::testing::AssertionFailure() << "channel " << c << ", sample " << i << ": " << a.getSample (c, i)
-                                                     << " against " << b.getSample (c, i);
+                return ::testing::AssertionFailure() << "channel " << c << ", sample " << i << ": "
+                                                     << a.getSample (c, i) << " against " << b.getSample (c, i);
 
     return ::testing::AssertionSuccess();
 }
@@ -43,8 +43,8 @@ inline ::testing::AssertionResult sameBits (const juce::AudioBuffer<float>& a, c
     for (int c = 0; c < a.getNumChannels(); ++c)
         for (int i = 0; i < a.getNumSamples(); ++i)
             if (std::memcmp (a.getReadPointer (c, i), b.getReadPointer (c, i), sizeof (float)) != 0)
-                return ::testing::AssertionFailure() << "channel " << c << ", sample " << i << ": " << a.getSample (c, i)
-                                                     << " against " << b.getSample (c, i);
+                return ::testing::AssertionFailure() << "channel " << c << ", sample " << i << ": "
+                                                     << a.getSample (c, i) << " against " << b.getSample (c, i);
 
     return ::testing::AssertionSuccess();
 }
