@@ -8,39 +8,37 @@
 
 namespace
 {
-    constexpr int maxChannels = 2;
+constexpr int maxChannels = 2;
 
-    bool isContainerWeRead (int format) noexcept
+bool isContainerWeRead (int format) noexcept
+{
+    switch (format & SF_FORMAT_TYPEMASK)
     {
-        switch (format & SF_FORMAT_TYPEMASK)
-        {
-            case SF_FORMAT_WAV:
-            case SF_FORMAT_WAVEX:
-            case SF_FORMAT_RF64:
-            case SF_FORMAT_AIFF:
-            case SF_FORMAT_FLAC:
-                return true;
-            default:
-                return false;
-        }
-    }
-
-    int bitsOf (SampleFormat format) noexcept
-    {
-        return format == SampleFormat::pcm16 ? 16 : format == SampleFormat::pcm24 ? 24 : 32;
-    }
-
-    /** A sample as a whole number of steps, at the upper end of 32 bits, where libsndfile expects it. */
-    int toSteps (float sample, int bits) noexcept
-    {
-        if (std::isnan (sample))
-            return 0;
-
-        const auto fullScale = std::ldexp (1.0, bits - 1);
-        const auto nearest = std::nearbyint (static_cast<double> (sample) * fullScale);
-        return static_cast<int> (std::clamp (nearest, -fullScale, fullScale - 1.0)) * (1 << (32 - bits));
+        case SF_FORMAT_WAV:
+        case SF_FORMAT_WAVEX:
+        case SF_FORMAT_RF64:
+        case SF_FORMAT_AIFF:
+        case SF_FORMAT_FLAC: return true;
+        default: return false;
     }
 }
+
+int bitsOf (SampleFormat format) noexcept
+{
+    return format == SampleFormat::pcm16 ? 16 : format == SampleFormat::pcm24 ? 24 : 32;
+}
+
+/** A sample as a whole number of steps, at the upper end of 32 bits, where libsndfile expects it. */
+int toSteps (float sample, int bits) noexcept
+{
+    if (std::isnan (sample))
+        return 0;
+
+    const auto fullScale = std::ldexp (1.0, bits - 1);
+    const auto nearest = std::nearbyint (static_cast<double> (sample) * fullScale);
+    return static_cast<int> (std::clamp (nearest, -fullScale, fullScale - 1.0)) * (1 << (32 - bits));
+}
+} // namespace
 
 AudioFileReader::AudioFileReader (const std::filesystem::path& file) : name (file)
 {
@@ -85,7 +83,7 @@ int AudioFileReader::read (float* interleaved, int numFramesToRead)
 
 int AudioFileWriter::formatFor (SampleFormat format, int numChannels, std::int64_t expectedFrames) noexcept
 {
-    constexpr std::int64_t largestWav = 0xffffffffLL - 4096;    // sizes of 32 bits, and room for the header
+    constexpr std::int64_t largestWav = 0xffffffffLL - 4096; // sizes of 32 bits, and room for the header
 
     const auto bytes = expectedFrames * numChannels * (bitsOf (format) / 8);
     const auto container = expectedFrames >= 0 && bytes <= largestWav ? SF_FORMAT_WAV : SF_FORMAT_RF64;
@@ -108,7 +106,7 @@ AudioFileWriter::AudioFileWriter (const PendingFile& file, int numChannels, int 
     if (handle == nullptr)
         fail (sf_strerror (nullptr));
 
-    // The chunk of peaks holds the time of day.
+    // The chunk of peaks holds the time of day. RF64 ignores this.
     sf_command (handle.get(), SFC_SET_ADD_PEAK_CHUNK, nullptr, SF_FALSE);
     sf_command (handle.get(), SFC_RF64_AUTO_DOWNGRADE, nullptr, SF_TRUE);
 }

@@ -11,7 +11,12 @@
 #include <vector>
 
 /** How samples are kept in a written file. */
-enum class SampleFormat { pcm16, pcm24, float32 };
+enum class SampleFormat
+{
+    pcm16,
+    pcm24,
+    float32
+};
 
 struct SoundFileCloser
 {
@@ -52,7 +57,8 @@ private:
     Whole-number formats round to the nearest step, with no dither, and hold overloads at full scale; a NaN becomes 0.
     Their scale is the reader's, so that a file which passes unprocessed comes out with the samples it had.
 
-    The file holds no date: the same samples make the same bytes.
+    A WAV file holds no date: the same samples make the same bytes. An RF64 file of floats does hold one, in a chunk
+    of peaks that libsndfile always writes there.
 
     Errors   RenderError with ExitStatus::output.
 */
@@ -80,6 +86,6 @@ private:
     const int channels;
     const SampleFormat sampleFormat;
     SoundFileHandle handle;
-    std::vector<int> steps;     // whole-number samples of a call of write
+    std::vector<int> steps; // whole-number samples of a call of write
     std::int64_t framesWritten = 0;
 };

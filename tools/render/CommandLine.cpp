@@ -15,165 +15,169 @@
 
 namespace
 {
-    [[noreturn]] void refuse (const std::string& message) { throw RenderError (ExitStatus::usage, message); }
+[[noreturn]] void refuse (const std::string& message) { throw RenderError (ExitStatus::usage, message); }
 
-    template <typename Number>
-    [[noreturn]] void refuseNumber (const std::string& option, const char* kind, Number lowest, Number highest,
-                                    const std::string& text)
-    {
-        std::ostringstream message;
-        message.imbue (std::locale::classic());
-        message << option << " takes a " << kind << " from " << lowest << " to " << highest << ", not \"" << text
-                << '"';
-        refuse (message.str());
-    }
-
-    std::int64_t wholeNumber (const std::string& option, const std::string& text, std::int64_t lowest,
-                              std::int64_t highest)
-    {
-        std::int64_t value = 0;
-        const auto* end = text.data() + text.size();
-        const auto result = std::from_chars (text.data(), end, value);
-
-        if (result.ec != std::errc() || result.ptr != end || value < lowest || value > highest)
-            refuseNumber (option, "whole number", lowest, highest, text);
-
-        return value;
-    }
-
-    double number (const std::string& option, const std::string& text, double lowest, double highest)
-    {
-        auto value = 0.0;
-        std::istringstream stream (text);
-        stream.imbue (std::locale::classic());
-        stream >> std::noskipws >> value;
-
-        // Asked so that a NaN is outside.
-        if (stream.fail() || stream.peek() != std::istringstream::traits_type::eof()
-            || ! (value >= lowest && value <= highest))
-            refuseNumber (option, "number", lowest, highest, text);
-
-        return value;
-    }
-
-    std::filesystem::path fileName (const std::string& option, const std::string& text)
-    {
-        if (text.empty())
-            refuse (option + " takes the name of a file");
-
-        return text;
-    }
-
-    SampleFormat sampleFormat (const std::string& text)
-    {
-        if (text == "16")
-            return SampleFormat::pcm16;
-        if (text == "24")
-            return SampleFormat::pcm24;
-        if (text == "32f")
-            return SampleFormat::float32;
-
-        refuse ("--bits takes 16, 24 or 32f, not \"" + text + '"');
-    }
-
-    bool onOrOff (const std::string& option, const std::string& text)
-    {
-        if (text != "on" && text != "off")
-            refuse (option + " takes on or off, not \"" + text + '"');
-
-        return text == "on";
-    }
-
-    using Text = const std::string&;
-
-    CLI::Option* add (CLI::App& app, const char* name, const char* type, const char* help,
-                      const std::function<void (Text)>& take)
-    {
-        return app.add_option_function<std::string> (name, take, help)->type_name (type);
-    }
-
-    void addSoundOptions (CLI::App& app, RenderOptions& to)
-    {
-        add (app, "--program", "NAME|0-14", "program to render with (default 0, \"Default\")",
-             [&to] (Text text) { to.program = ProgramNames::find (text); });
-
-        add (app, "--oversampling", "1-16", "oversampling factor (default 1)", [&to] (Text text)
-             { to.oversampling = static_cast<int> (wholeNumber ("--oversampling", text, 1, UserDefaults::maxOversampling)); });
-
-        add (app, "--calibration", "16-24", "level of digital full scale in dBu (default 22)", [&to] (Text text)
-             {
-                 to.calibrationDb = number ("--calibration", text, UserDefaults::lowestCalibrationDb,
-                                            UserDefaults::highestCalibrationDb);
-             });
-
-        app.add_flag ("--bypass", to.bypass, "the plug-in's own bypass: dry, but as late as the wet signal");
-
-        add (app, "--noise", "on|off", "the analogue noise floor (default on)",
-             [&to] (Text text) { to.noise = onOrOff ("--noise", text); });
-
-        add (app, "--seed", "N", "where the noise begins, 0 to 4294967295 (default 1)", [&to] (Text text)
-             {
-                 constexpr std::int64_t last = std::numeric_limits<std::uint32_t>::max();
-                 to.seed = static_cast<std::uint32_t> (wholeNumber ("--seed", text, 0, last));
-             });
-    }
-
-    void addFileOptions (CLI::App& app, RenderOptions& to)
-    {
-        add (app, "INPUT", "", "WAV, AIFF or FLAC file of one or two channels",
-             [&to] (Text text) { to.input = fileName ("INPUT", text); });
-
-        add (app, "OUTPUT", "", "WAV file to write", [&to] (Text text) { to.output = fileName ("OUTPUT", text); });
-
-        add (app, "--bits", "16|24|32f", "samples of the output (default 32f)",
-             [&to] (Text text) { to.format = sampleFormat (text); });
-
-        add (app, "--block", "N", "frames a block, 1 to 65536 (default 512)", [&to] (Text text)
-             { to.blockSize = static_cast<int> (wholeNumber ("--block", text, 1, RenderOptions::maxBlockSize)); });
-
-        add (app, "--tail", "SECONDS", "silence to render behind the input, 0 to 600 (default 0)", [&to] (Text text)
-             { to.tailSeconds = number ("--tail", text, 0.0, RenderOptions::maxTailSeconds); });
-
-        add (app, "--meters", "FILE", "write the meters, a line of comma-separated values a block",
-             [&to] (Text text) { to.meters = fileName ("--meters", text); });
-
-        app.add_flag ("--keep-latency", to.keepLatency, "leave the latency in front of the output");
-        app.add_flag ("--force", to.overwrite, "replace files that exist");
-    }
-
-    void addTableOptions (CLI::App& app, CommandLine& to, std::vector<std::string>& taps)
-    {
-        app.add_flag ("--list-programs", to.listPrograms, "print number and name of every program");
-
-        add (app, "--dump-curves", "FILE", "write the five detector curves as 32-bit floats",
-             [&to] (Text text) { to.curvesFile = fileName ("--dump-curves", text); });
-
-        add (app, "--dump-control-law", "FILE", "write the control law as 32-bit floats",
-             [&to] (Text text) { to.controlLawFile = fileName ("--dump-control-law", text); });
-
-        app.add_option ("--dump-taps", taps, "write the oversampling filter of a factor as 32-bit floats")
-            ->type_name ("2-16 FILE")
-            ->type_size (2)
-            ->expected (1);
-    }
-
-    void finish (CommandLine& line, const std::vector<std::string>& taps)
-    {
-        const auto numFiles = (line.render.input.empty() ? 0 : 1) + (line.render.output.empty() ? 0 : 1);
-
-        if (! taps.empty())
-        {
-            line.tapsFactor = static_cast<int> (wholeNumber ("--dump-taps", taps[0], 2, UserDefaults::maxOversampling));
-            line.tapsFile = fileName ("--dump-taps", taps[1]);
-        }
-
-        if (line.rendersNothing() && numFiles > 0)
-            refuse ("INPUT and OUTPUT do not go with options that list or dump");
-
-        if (! line.rendersNothing() && numFiles < 2)
-            refuse ("an INPUT and an OUTPUT are needed; see --help");
-    }
+template <typename Number>
+[[noreturn]] void refuseNumber (const std::string& option, const char* kind, Number lowest, Number highest,
+                                const std::string& text)
+{
+    std::ostringstream message;
+    message.imbue (std::locale::classic());
+    message << option << " takes a " << kind << " from " << lowest << " to " << highest << ", not \"" << text << '"';
+    refuse (message.str());
 }
+
+std::int64_t wholeNumber (const std::string& option, const std::string& text, std::int64_t lowest, std::int64_t highest)
+{
+    std::int64_t value = 0;
+    const auto* end = text.data() + text.size();
+    const auto result = std::from_chars (text.data(), end, value);
+
+    if (result.ec != std::errc() || result.ptr != end || value < lowest || value > highest)
+        refuseNumber (option, "whole number", lowest, highest, text);
+
+    return value;
+}
+
+double number (const std::string& option, const std::string& text, double lowest, double highest)
+{
+    auto value = 0.0;
+    std::istringstream stream (text);
+    stream.imbue (std::locale::classic());
+    stream >> std::noskipws >> value;
+
+    // Asked so that a NaN is outside.
+    if (stream.fail() || stream.peek() != std::istringstream::traits_type::eof()
+        || ! (value >= lowest && value <= highest))
+        refuseNumber (option, "number", lowest, highest, text);
+
+    return value;
+}
+
+std::filesystem::path fileName (const std::string& option, const std::string& text)
+{
+    if (text.empty())
+        refuse (option + " takes the name of a file");
+
+    return text;
+}
+
+SampleFormat sampleFormat (const std::string& text)
+{
+    if (text == "16")
+        return SampleFormat::pcm16;
+    if (text == "24")
+        return SampleFormat::pcm24;
+    if (text == "32f")
+        return SampleFormat::float32;
+
+    refuse ("--bits takes 16, 24 or 32f, not \"" + text + '"');
+}
+
+bool onOrOff (const std::string& option, const std::string& text)
+{
+    if (text != "on" && text != "off")
+        refuse (option + " takes on or off, not \"" + text + '"');
+
+    return text == "on";
+}
+
+using Text = const std::string&;
+
+CLI::Option* add (CLI::App& app, const char* name, const char* type, const char* help,
+                  const std::function<void (Text)>& take)
+{
+    return app.add_option_function<std::string> (name, take, help)->type_name (type);
+}
+
+void addSoundOptions (CLI::App& app, RenderOptions& to)
+{
+    add (app, "--program", "NAME|0-14", "program to render with (default 0, \"Default\")",
+         [&to] (Text text) { to.program = ProgramNames::find (text); });
+
+    add (app, "--oversampling", "1-16", "oversampling factor (default 1)",
+         [&to] (Text text) {
+             to.oversampling =
+                 static_cast<int> (wholeNumber ("--oversampling", text, 1, UserDefaults::maxOversampling));
+         });
+
+    add (app, "--calibration", "16-24", "level of digital full scale in dBu (default 22)",
+         [&to] (Text text)
+         {
+             to.calibrationDb =
+                 number ("--calibration", text, UserDefaults::lowestCalibrationDb, UserDefaults::highestCalibrationDb);
+         });
+
+    app.add_flag ("--bypass", to.bypass, "the plug-in's own bypass: dry, but as late as the wet signal");
+
+    add (app, "--noise", "on|off", "the analogue noise floor (default on)",
+         [&to] (Text text) { to.noise = onOrOff ("--noise", text); });
+
+    add (app, "--seed", "N", "where the noise begins, 0 to 4294967295 (default 1)",
+         [&to] (Text text)
+         {
+             constexpr std::int64_t last = std::numeric_limits<std::uint32_t>::max();
+             to.seed = static_cast<std::uint32_t> (wholeNumber ("--seed", text, 0, last));
+         });
+}
+
+void addFileOptions (CLI::App& app, RenderOptions& to)
+{
+    add (app, "INPUT", "", "WAV, AIFF or FLAC file of one or two channels",
+         [&to] (Text text) { to.input = fileName ("INPUT", text); });
+
+    add (app, "OUTPUT", "", "WAV file to write", [&to] (Text text) { to.output = fileName ("OUTPUT", text); });
+
+    add (app, "--bits", "16|24|32f", "samples of the output (default 32f)",
+         [&to] (Text text) { to.format = sampleFormat (text); });
+
+    add (app, "--block", "N", "frames a block, 1 to 65536 (default 512)",
+         [&to] (Text text)
+         { to.blockSize = static_cast<int> (wholeNumber ("--block", text, 1, RenderOptions::maxBlockSize)); });
+
+    add (app, "--tail", "SECONDS", "silence to render behind the input, 0 to 600 (default 0)",
+         [&to] (Text text) { to.tailSeconds = number ("--tail", text, 0.0, RenderOptions::maxTailSeconds); });
+
+    add (app, "--meters", "FILE", "write the meters, a line of comma-separated values a block",
+         [&to] (Text text) { to.meters = fileName ("--meters", text); });
+
+    app.add_flag ("--keep-latency", to.keepLatency, "leave the latency in front of the output");
+    app.add_flag ("--force", to.overwrite, "replace files that exist");
+}
+
+void addTableOptions (CLI::App& app, CommandLine& to, std::vector<std::string>& taps)
+{
+    app.add_flag ("--list-programs", to.listPrograms, "print number and name of every program");
+
+    add (app, "--dump-curves", "FILE", "write the five detector curves as 32-bit floats",
+         [&to] (Text text) { to.curvesFile = fileName ("--dump-curves", text); });
+
+    add (app, "--dump-control-law", "FILE", "write the control law as 32-bit floats",
+         [&to] (Text text) { to.controlLawFile = fileName ("--dump-control-law", text); });
+
+    app.add_option ("--dump-taps", taps, "write the oversampling filter of a factor as 32-bit floats")
+        ->type_name ("2-16 FILE")
+        ->type_size (2)
+        ->expected (1);
+}
+
+void finish (CommandLine& line, const std::vector<std::string>& taps)
+{
+    const auto numFiles = (line.render.input.empty() ? 0 : 1) + (line.render.output.empty() ? 0 : 1);
+
+    if (! taps.empty())
+    {
+        line.tapsFactor = static_cast<int> (wholeNumber ("--dump-taps", taps[0], 2, UserDefaults::maxOversampling));
+        line.tapsFile = fileName ("--dump-taps", taps[1]);
+    }
+
+    if (line.rendersNothing() && numFiles > 0)
+        refuse ("INPUT and OUTPUT do not go with options that list or dump");
+
+    if (! line.rendersNothing() && numFiles < 2)
+        refuse ("an INPUT and an OUTPUT are needed; see --help");
+}
+} // namespace
 
 CommandLine CommandLine::parse (int argc, const char* const* argv)
 {

@@ -17,7 +17,7 @@ struct CommandLine
     /** Errors: RenderError with ExitStatus::usage, one line. */
     static CommandLine parse (int argc, const char* const* argv);
 
-    std::string notice;         // a text that was asked for (help, version); nothing else is to be done then
+    std::string notice; // a text that was asked for (help, version); nothing else is to be done then
 
     bool quiet = false;
     bool listPrograms = false;

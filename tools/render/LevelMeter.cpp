@@ -7,7 +7,7 @@
 
 namespace
 {
-    constexpr auto unknown = std::numeric_limits<double>::quiet_NaN();
+constexpr auto unknown = std::numeric_limits<double>::quiet_NaN();
 }
 
 LevelMeter::LevelMeter (int numChannels, int sampleRate)

@@ -23,8 +23,8 @@ void GainReduction::add (ChannelSettings& settings)
 MeterLog::MeterLog (const std::filesystem::path& file, bool overwrite)
     : pending (file, overwrite), stream (pending.path(), std::ios::binary)
 {
-    stream.imbue (std::locale::classic());      // a point in numbers, whatever the user's language
-    stream.precision (9);                       // as many digits as bring a float back exactly
+    stream.imbue (std::locale::classic()); // a point in numbers, whatever the user's language
+    stream.precision (9);                  // as many digits as bring a float back exactly
     stream << "frame,low_level,low_gain_reduction,mid_level,mid_gain_reduction,high_level,high_gain_reduction\n";
     failIfBroken();
 }
@@ -49,6 +49,6 @@ void MeterLog::finish()
 void MeterLog::failIfBroken() const
 {
     if (! stream)
-        throw RenderError (ExitStatus::output, "cannot write \"" + pending.name().string()
-                                                   + "\": not all of it could be written");
+        throw RenderError (ExitStatus::output,
+                           "cannot write \"" + pending.name().string() + "\": not all of it could be written");
 }

@@ -16,7 +16,10 @@ struct GainReduction
     /** Takes the meters of one block. */
     void add (ChannelSettings& settings);
 
-    double meanDb (int band) const noexcept { return numBlocks > 0 ? sumDb[static_cast<std::size_t> (band)] / numBlocks : 0.0; }
+    double meanDb (int band) const noexcept
+    {
+        return numBlocks > 0 ? sumDb[static_cast<std::size_t> (band)] / numBlocks : 0.0;
+    }
 
     std::array<double, ChannelSettings::numBands> sumDb {}, deepestDb {};
     int numBlocks = 0;

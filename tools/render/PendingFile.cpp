@@ -68,7 +68,7 @@ void PendingFile::commit()
         fs::create_hard_link (temporary, destination, error);
 
         if (! error)
-            return;     // the destructor takes the first name away
+            return; // the destructor takes the first name away
 
         if (fs::exists (fs::symlink_status (destination, error)))
             refuseToReplace();
@@ -84,7 +84,7 @@ void PendingFile::commit()
 
 void PendingFile::createTemporary()
 {
-    constexpr int attempts = 16;    // against a name that is taken: one in 2^32
+    constexpr int attempts = 16; // against a name that is taken: one in 2^32
     std::random_device random;
 
     for (int i = 0; i < attempts; ++i)

@@ -4,24 +4,24 @@
 #include <cstdio>
 
 #ifdef _WIN32
- #include <io.h>
+#include <io.h>
 #else
- #include <unistd.h>
+#include <unistd.h>
 #endif
 
 namespace
 {
-    constexpr std::chrono::milliseconds interval (100);     // calm to the eye, and no cost to the render
+constexpr std::chrono::milliseconds interval (100); // calm to the eye, and no cost to the render
 
-    bool isTerminal (std::FILE* stream) noexcept
-    {
-       #ifdef _WIN32
-        return _isatty (_fileno (stream)) != 0;
-       #else
-        return isatty (fileno (stream)) != 0;
-       #endif
-    }
+bool isTerminal (std::FILE* stream) noexcept
+{
+#ifdef _WIN32
+    return _isatty (_fileno (stream)) != 0;
+#else
+    return isatty (fileno (stream)) != 0;
+#endif
 }
+} // namespace
 
 ProgressLine::ProgressLine (bool wanted) : active (wanted && isTerminal (stderr)) {}
 

@@ -10,39 +10,32 @@
 
 namespace
 {
-    bool isSameFile (const std::filesystem::path& a, const std::filesystem::path& b)
-    {
-        std::error_code error;
-        return std::filesystem::equivalent (a, b, error)
-               || std::filesystem::weakly_canonical (a, error) == std::filesystem::weakly_canonical (b, error);
-    }
-
-    const RenderOptions& withoutConflict (const RenderOptions& options)
-    {
-        if (! options.meters.empty())
-            for (const auto& sound : { options.input, options.output })
-                if (isSameFile (options.meters, sound))
-                    throw RenderError (ExitStatus::usage, "--meters names the same file as INPUT or OUTPUT");
-
-        return options;
-    }
-
-    RenderResult::Levels levelsOf (const LevelMeter& meter)
-    {
-        return { meter.peakDb(), meter.rmsDb(), meter.loudness() };
-    }
+bool isSameFile (const std::filesystem::path& a, const std::filesystem::path& b)
+{
+    std::error_code error;
+    return std::filesystem::equivalent (a, b, error)
+           || std::filesystem::weakly_canonical (a, error) == std::filesystem::weakly_canonical (b, error);
 }
 
+const RenderOptions& withoutConflict (const RenderOptions& options)
+{
+    if (! options.meters.empty())
+        for (const auto& sound : { options.input, options.output })
+            if (isSameFile (options.meters, sound))
+                throw RenderError (ExitStatus::usage, "--meters names the same file as INPUT or OUTPUT");
+
+    return options;
+}
+
+RenderResult::Levels levelsOf (const LevelMeter& meter) { return { meter.peakDb(), meter.rmsDb(), meter.loudness() }; }
+} // namespace
+
 RenderJob::RenderJob (const RenderOptions& optionsToUse)
-    : options (withoutConflict (optionsToUse)),
-      reader (options.input),
-      numChannels (reader->numChannels()),
-      sampleRate (reader->sampleRate()),
-      tailFrames (std::llround (options.tailSeconds * sampleRate)),
+    : options (withoutConflict (optionsToUse)), reader (options.input), numChannels (reader->numChannels()),
+      sampleRate (reader->sampleRate()), tailFrames (std::llround (options.tailSeconds * sampleRate)),
       channels (numChannels, options.blockSize),
       interleaved (static_cast<std::size_t> (numChannels) * static_cast<std::size_t> (options.blockSize)),
-      output (options.output, options.overwrite),
-      inputLevels (numChannels, sampleRate),
+      output (options.output, options.overwrite), inputLevels (numChannels, sampleRate),
       outputLevels (numChannels, sampleRate)
 {
     settleProcessor();
@@ -65,8 +58,8 @@ void RenderJob::settleProcessor()
     layouts.outputBuses.add (layout);
 
     if (! processor.setBusesLayout (layouts))
-        throw RenderError (ExitStatus::failure, "the processor takes no input of " + std::to_string (numChannels)
-                                                    + " channels");
+        throw RenderError (ExitStatus::failure,
+                           "the processor takes no input of " + std::to_string (numChannels) + " channels");
 
     processor.setRateAndBufferSizeDetails (sampleRate, options.blockSize);
     processor.setNonRealtime (true);
@@ -75,8 +68,15 @@ void RenderJob::settleProcessor()
     processor.setOversampling (options.oversampling);
     processor.setCalibration (options.calibrationDb);
 
-    processor.activeSettings() = processor.programs[static_cast<std::size_t> (options.program)];
-    processor.activeSettings().bypass.setTarget (options.bypass ? 1.0 : 0.0);
+    auto& settings = processor.activeSettings();
+    settings = processor.programs[static_cast<std::size_t> (options.program)];
+    settings.bypass.setTarget (options.bypass ? 1.0 : 0.0);
+
+    // The programs show the gain reduction alone, and a level is measured only where a meter shows one.
+    if (! options.meters.empty())
+        for (auto& band : settings.bands)
+            band.meter = ChannelSettings::meterOut;
+
     processor.applySettings();
 
     if (! options.noise)
@@ -106,8 +106,14 @@ RenderResult RenderJob::run (const Progress& progress)
     const std::chrono::duration<double> taken = std::chrono::steady_clock::now() - started;
     finishFiles();
 
-    return { numChannels, sampleRate, framesIn, writer->numFramesWritten(), levelsOf (inputLevels),
-             levelsOf (outputLevels), gainReduction, static_cast<double> (framesIn + tailFrames) / sampleRate,
+    return { numChannels,
+             sampleRate,
+             framesIn,
+             writer->numFramesWritten(),
+             levelsOf (inputLevels),
+             levelsOf (outputLevels),
+             gainReduction,
+             static_cast<double> (framesIn + tailFrames) / sampleRate,
              taken.count() };
 }
 

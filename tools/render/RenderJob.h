@@ -18,13 +18,13 @@ struct RenderResult
 {
     struct Levels
     {
-        double peakDb, rmsDb, loudness;     // dBFS, dBFS, LUFS
+        double peakDb, rmsDb, loudness; // dBFS, dBFS, LUFS
     };
 
-    int numChannels, sampleRate;            // Hz
+    int numChannels, sampleRate; // Hz
     std::int64_t framesIn, framesOut;
     Levels input, output;
-    GainReduction gainReduction;            // over all blocks
+    GainReduction gainReduction; // over all blocks
     double secondsOfAudio, secondsTaken;
 };
 
@@ -65,8 +65,8 @@ private:
 
     CorvaneQ7AudioProcessor processor;
     juce::MidiBuffer noMidi;
-    juce::AudioBuffer<float> channels;          // a block
-    std::vector<float> interleaved;             // the same as a file holds it
+    juce::AudioBuffer<float> channels; // a block
+    std::vector<float> interleaved;    // the same as a file holds it
 
     PendingFile output;
     std::optional<AudioFileWriter> writer;
@@ -75,6 +75,6 @@ private:
     LevelMeter inputLevels, outputLevels;
     GainReduction gainReduction;
     std::int64_t framesIn = 0, framesDone = 0;
-    std::int64_t silenceLeft = 0;               // behind the input: the tail, and what pushes the last of it out
-    std::int64_t framesToDrop = 0;              // of the output's front
+    std::int64_t silenceLeft = 0;  // behind the input: the tail, and what pushes the last of it out
+    std::int64_t framesToDrop = 0; // of the output's front
 };

@@ -14,38 +14,38 @@
 
 namespace
 {
-    std::vector<char> toLittleEndian (const std::vector<float>& values)
+std::vector<char> toLittleEndian (const std::vector<float>& values)
+{
+    std::vector<char> bytes;
+    bytes.reserve (values.size() * sizeof (float));
+
+    for (const auto value : values)
     {
-        std::vector<char> bytes;
-        bytes.reserve (values.size() * sizeof (float));
+        std::uint32_t bits;
+        std::memcpy (&bits, &value, sizeof (bits));
 
-        for (const auto value : values)
-        {
-            std::uint32_t bits;
-            std::memcpy (&bits, &value, sizeof (bits));
-
-            for (int shift = 0; shift < 32; shift += 8)
-                bytes.push_back (static_cast<char> (bits >> shift & 0xffu));
-        }
-
-        return bytes;
+        for (int shift = 0; shift < 32; shift += 8)
+            bytes.push_back (static_cast<char> (bits >> shift & 0xffu));
     }
 
-    void writeFloats (const std::vector<float>& values, const std::filesystem::path& file, bool overwrite)
-    {
-        PendingFile pending (file, overwrite);
-        const auto bytes = toLittleEndian (values);
-        std::ofstream stream (pending.path(), std::ios::binary);
-        stream.write (bytes.data(), static_cast<std::streamsize> (bytes.size()));
-        stream.close();
-
-        if (! stream)
-            throw RenderError (ExitStatus::output, "cannot write \"" + file.string()
-                                                       + "\": not all of it could be written");
-
-        pending.commit();
-    }
+    return bytes;
 }
+
+void writeFloats (const std::vector<float>& values, const std::filesystem::path& file, bool overwrite)
+{
+    PendingFile pending (file, overwrite);
+    const auto bytes = toLittleEndian (values);
+    std::ofstream stream (pending.path(), std::ios::binary);
+    stream.write (bytes.data(), static_cast<std::streamsize> (bytes.size()));
+    stream.close();
+
+    if (! stream)
+        throw RenderError (ExitStatus::output,
+                           "cannot write \"" + file.string() + "\": not all of it could be written");
+
+    pending.commit();
+}
+} // namespace
 
 void TableDump::writeCurves (const std::filesystem::path& file, bool overwrite)
 {

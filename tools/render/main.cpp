@@ -15,59 +15,60 @@
 
 namespace
 {
-    volatile std::sig_atomic_t signalReceived = 0;
+volatile std::sig_atomic_t signalReceived = 0;
 
-    void remember (int signalNumber) { signalReceived = signalNumber; }
+void remember (int signalNumber) { signalReceived = signalNumber; }
 
-    void settleSignals()
-    {
-        // These end the render between two blocks, so that nothing half written stays behind.
-        for (const auto number : { SIGINT, SIGTERM })
-            std::signal (number, remember);
+void settleSignals()
+{
+    // These end the render between two blocks, so that nothing half written stays behind.
+    for (const auto number : { SIGINT, SIGTERM })
+        std::signal (number, remember);
 
-       #ifdef SIGXFSZ
-        // A file that grows over the user's limit is then a write that fails, and is told like any other.
-        std::signal (SIGXFSZ, SIG_IGN);
-       #endif
-    }
+#ifdef SIGXFSZ
+    // A file that grows over the user's limit is then a write that fails, and is told like any other.
+    std::signal (SIGXFSZ, SIG_IGN);
+#endif
+}
 
-    /** One line, whatever a file's name holds. */
-    void complain (std::string message)
-    {
-        for (auto& c : message)
-            if (static_cast<unsigned char> (c) < ' ')
-                c = ' ';
+/** One line, whatever a file's name holds. */
+void complain (std::string message)
+{
+    for (auto& c : message)
+        if (static_cast<unsigned char> (c) < ' ')
+            c = ' ';
 
-        std::fprintf (stderr, "corvane-render: %s\n", message.c_str());
-    }
+    std::fprintf (stderr, "corvane-render: %s\n", message.c_str());
+}
 
-    void print (const std::string& text)
-    {
-        if (std::fputs (text.c_str(), stdout) < 0 || std::fflush (stdout) != 0)
-            throw RenderError (ExitStatus::output, "cannot write to the standard output");
-    }
+void print (const std::string& text)
+{
+    if (std::fputs (text.c_str(), stdout) < 0 || std::fflush (stdout) != 0)
+        throw RenderError (ExitStatus::output, "cannot write to the standard output");
+}
 
-    void listAndDump (const CommandLine& line)
-    {
-        const auto overwrite = line.render.overwrite;
+void listAndDump (const CommandLine& line)
+{
+    const auto overwrite = line.render.overwrite;
 
-        if (line.listPrograms)
-            print (ProgramNames::list());
-        if (line.curvesFile)
-            TableDump::writeCurves (*line.curvesFile, overwrite);
-        if (line.controlLawFile)
-            TableDump::writeControlLaw (*line.controlLawFile, overwrite);
-        if (line.tapsFile)
-            TableDump::writeTaps (line.tapsFactor, *line.tapsFile, overwrite);
-    }
+    if (line.listPrograms)
+        print (ProgramNames::list());
+    if (line.curvesFile)
+        TableDump::writeCurves (*line.curvesFile, overwrite);
+    if (line.controlLawFile)
+        TableDump::writeControlLaw (*line.controlLawFile, overwrite);
+    if (line.tapsFile)
+        TableDump::writeTaps (line.tapsFactor, *line.tapsFile, overwrite);
+}
 
-    void render (const CommandLine& line)
-    {
-        const juce::ScopedJuceInitialiser_GUI framework;
-        ProgressLine progress (! line.quiet);
-        RenderJob job (line.render);
+void render (const CommandLine& line)
+{
+    const juce::ScopedJuceInitialiser_GUI framework;
+    ProgressLine progress (! line.quiet);
+    RenderJob job (line.render);
 
-        const auto result = job.run ([&progress] (std::int64_t done, std::int64_t inAll)
+    const auto result = job.run (
+        [&progress] (std::int64_t done, std::int64_t inAll)
         {
             if (signalReceived != 0)
                 throw RenderError::interrupted (signalReceived);
@@ -75,22 +76,22 @@ namespace
             progress.show (done, inAll);
         });
 
-        progress.clear();
+    progress.clear();
 
-        if (! line.quiet)
-            print (summaryOf (result));
-    }
-
-    void run (const CommandLine& line)
-    {
-        if (! line.notice.empty())
-            print (line.notice);
-        else if (line.rendersNothing())
-            listAndDump (line);
-        else
-            render (line);
-    }
+    if (! line.quiet)
+        print (summaryOf (result));
 }
+
+void run (const CommandLine& line)
+{
+    if (! line.notice.empty())
+        print (line.notice);
+    else if (line.rendersNothing())
+        listAndDump (line);
+    else
+        render (line);
+}
+} // namespace
 
 int main (int argc, char** argv)
 {

@@ -1,0 +1,162 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
+"""Files that the renderer reads, files that it refuses, and files that it must not touch."""
+
+import os
+import resource
+import signal
+import time
+
+from renderer_case import INPUT, OUTPUT, USAGE, RendererCase, noise
+from sound_files import read_wav, write_aiff, write_flac, write_wav
+
+
+def whole_numbers(num_frames, channels=1, seed=7):
+    return [tuple(round(sample * 32000) for sample in frame) for frame in noise(num_frames, channels, seed)]
+
+
+class Reading(RendererCase):
+    def test_reads_the_same_samples_from_wav_aiff_and_flac(self):
+        frames = whole_numbers(3000)
+        expected = self.render(write_wav(self.path("a.wav"), frames, bits=16)).data
+        self.assertEqual(self.render(write_aiff(self.path("a.aiff"), frames)).data, expected)
+        self.assertEqual(self.render(write_flac(self.path("a.flac"), frames)).data, expected)
+
+    def test_reads_24_bits_and_float(self):
+        frames = whole_numbers(500, 2)
+        expected = self.render(write_wav(self.path("a.wav"), frames, bits=16)).data
+        finer = [tuple(sample * 256 for sample in frame) for frame in frames]
+        self.assertEqual(self.render(write_wav(self.path("b.wav"), finer, bits=24)).data, expected)
+        floats = [tuple(sample / 32768.0 for sample in frame) for frame in frames]
+        self.assertEqual(self.render(write_wav(self.path("c.wav"), floats)).data, expected)
+
+    def test_an_empty_file_gives_an_empty_file(self):
+        source = write_wav(self.path("in.wav"), [], channels=2)
+        for words in ((), ("--oversampling", "4"), ("--oversampling", "4", "--keep-latency"), ("--bits", "16")):
+            with self.subTest(words):
+                self.assertEqual(self.render(source, *words).frames, [])
+
+    def test_the_tail_of_an_empty_file_is_rendered(self):
+        source = write_wav(self.path("in.wav"), [], channels=2)
+        self.assertEqual(len(self.render(source, "--tail", "0.01", "--oversampling", "2").frames), 480)
+
+    def test_refuses_more_than_two_channels(self):
+        source = write_wav(self.path("in.wav"), noise(10, 3))
+        self.refuse(INPUT, "3 channels", source, self.path("out.wav"))
+
+    def test_refuses_what_is_no_sound_file(self):
+        for name, content in (("text.wav", b"This is not a sound.\n" * 50), ("none.wav", b""),
+                              ("head.wav", b"RIFF\x24\x00\x00\x00WAVE"), ("noise.flac", bytes(range(256)) * 40)):
+            with self.subTest(name):
+                self.path(name).write_bytes(content)
+                self.refuse(INPUT, "not a WAV, AIFF or FLAC file", self.path(name), self.path("out.wav"))
+
+    def test_refuses_what_is_no_file(self):
+        self.refuse(INPUT, "no such file", self.path("absent.wav"), self.path("out.wav"))
+        self.refuse(INPUT, "not a regular file", self.folder, self.path("out.wav"))
+        self.refuse(INPUT, "no such file", "-", self.path("out.wav"))
+
+    def test_refuses_a_file_that_breaks_off_midway(self):
+        source = write_flac(self.path("in.flac"), whole_numbers(20000))
+        content = source.read_bytes()
+        source.write_bytes(content[:len(content) // 2])
+        self.path("out.wav").write_bytes(b"what was here")
+        self.refuse(INPUT, "damaged after frame", source, self.path("out.wav"), "--force")
+
+    def test_complains_in_one_line_about_a_name_of_two(self):
+        self.refuse(INPUT, "no such file", self.path("two\nlines.wav"), self.path("out.wav"))
+
+
+class Writing(RendererCase):
+    def setUp(self):
+        super().setUp()
+        self.source = write_wav(self.path("in.wav"), noise(20000, 2))
+        self.out = self.path("out.wav")
+
+    def limited(self, num_bytes):
+        return {"preexec_fn": lambda: resource.setrlimit(resource.RLIMIT_FSIZE, (num_bytes, num_bytes))}
+
+    def test_leaves_nothing_but_the_output(self):
+        self.succeed(self.source, self.out)
+        self.assertEqual(sorted(self.folder_content()), ["in.wav", "out.wav"])
+
+    def test_never_replaces_a_file_unasked(self):
+        for words in ((self.source, self.out), ("--dump-curves", self.out), ("--dump-control-law", self.out),
+                      ("--dump-taps", "4", self.out), (self.source, self.path("new.wav"), "--meters", self.out)):
+            with self.subTest(words):
+                self.out.write_bytes(b"what was here")
+                self.refuse(OUTPUT, "exists already", *words)
+
+    def test_replaces_a_file_when_asked(self):
+        expected = self.render(self.source).data
+        self.out.write_bytes(b"what was here")
+        self.succeed(self.source, self.out, "--force", "--quiet")
+        self.assertEqual(read_wav(self.out).data, expected)
+
+    def test_replaces_its_own_input_only_when_asked(self):
+        expected = self.render(self.source, name="other.wav").data
+        self.refuse(OUTPUT, "exists already", self.source, self.source)
+        self.succeed(self.source, self.source, "--force")
+        self.assertEqual(read_wav(self.source).data, expected)
+
+    def test_replaces_what_a_link_points_to(self):
+        target = self.path("target.wav")
+        target.write_bytes(b"what was here")
+        self.out.symlink_to(target)
+        self.refuse(OUTPUT, "exists already", self.source, self.out)
+        self.succeed(self.source, self.out, "--force")
+        self.assertTrue(self.out.is_symlink())
+        self.assertEqual(len(read_wav(target).frames), 20000)
+
+    def test_never_replaces_a_folder_or_a_device(self):
+        self.path("folder").mkdir()
+        self.refuse(OUTPUT, "folder", self.source, self.path("folder"), "--force")
+        self.refuse(OUTPUT, "not a regular file", self.source, os.devnull, "--force")
+
+    def test_refuses_a_folder_that_is_not_there(self):
+        for words in ((self.source, "absent/out.wav"), (self.source, self.out, "--meters", "absent/m.csv"),
+                      ("--dump-curves", "absent/c")):
+            with self.subTest(words):
+                self.refuse(OUTPUT, 'no folder "absent"', *words)
+
+    def test_refuses_a_name_that_is_too_long(self):
+        self.refuse(OUTPUT, "cannot write", self.source, self.path("n" * 300 + ".wav"))
+
+    def test_takes_the_longest_name_there_is(self):
+        self.succeed(self.source, "n" * 251 + ".wav")
+        self.assertIn("n" * 251 + ".wav", self.folder_content())
+
+    def test_a_full_disk_leaves_nothing_behind(self):
+        # A limit on file size stands in for the disk: a write of the sound, its header, the meters, the tables fails.
+        self.out.write_bytes(b"what was here")
+        for limit in (0, 30, 10000):
+            with self.subTest(limit):
+                self.refuse(OUTPUT, "out.wav", self.source, self.out, "--force", **self.limited(limit))
+        self.refuse(OUTPUT, "m.csv", self.source, self.out, "--force", "--block", "1", "--bits", "16", "--meters",
+                    "m.csv", **self.limited(100000))
+        self.refuse(OUTPUT, "curves", "--dump-curves", "curves", **self.limited(100000))
+
+    def test_an_empty_output_that_cannot_be_written_is_noticed(self):
+        empty = write_wav(self.path("empty.wav"), [], channels=1)
+        self.refuse(OUTPUT, "out.wav", empty, self.out, **self.limited(0))
+
+    def test_refuses_meters_over_the_sound(self):
+        self.refuse(USAGE, "same file", self.source, self.out, "--meters", "./out.wav")
+        self.refuse(USAGE, "same file", self.source, self.out, "--meters", self.source, "--force")
+
+    def test_an_interrupt_leaves_nothing_behind(self):
+        # At 1 frame a block and factor 16 the ten minutes of the tail take far longer than this test.
+        for number in (signal.SIGINT, signal.SIGTERM):
+            with self.subTest(number):
+                before = self.folder_content()
+                process = self.start(self.source, self.out, "--tail", "600", "--oversampling", "16", "--block", "1")
+                deadline = time.monotonic() + 30.0
+                while not list(self.folder.glob(".corvane-render-*")) and time.monotonic() < deadline:
+                    time.sleep(0.01)
+                process.send_signal(number)
+                try:
+                    _, complaint = process.communicate(timeout=30)
+                finally:
+                    process.kill()
+                self.assertEqual(process.returncode, 128 + number)
+                self.assertRegex(complaint, r"\Acorvane-render: interrupted[^\n]*\n\Z")
+                self.expect_folder(before)
