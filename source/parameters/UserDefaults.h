@@ -22,7 +22,7 @@ public:
     /** Factor 1 to 16. Anything else that the file holds, or nothing, reads as 1. */
     int oversampling();
 
-    /** Scale of the editor, limited to 0.7 to 1; 1 when the file holds nothing or no number. */
+    /** Scale of the editor, limited to 0.7 to 1; 1 when the file holds nothing. */
     double uiZoom();
 
     /** Linear gain that puts a level in dBu of digital full scale at the circuit's fixed reference; 0 at -100 and

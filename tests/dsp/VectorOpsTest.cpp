@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "dsp/VectorOps.h"
 
+#include <juce_audio_basics/juce_audio_basics.h>
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -14,6 +16,15 @@
 
 namespace
 {
+/** A processor that some other test made leaves its thread flushing denormals: here they count. */
+struct KeepDenormals
+{
+    KeepDenormals() { juce::FloatVectorOperations::disableDenormalisedNumberSupport (false); }
+    ~KeepDenormals() { juce::FloatVectorOperations::disableDenormalisedNumberSupport (wereFlushed); }
+
+    const bool wereFlushed = juce::FloatVectorOperations::areDenormalsDisabled();
+};
+
 constexpr int longest = 67; // four vectors of sixteen floats and a tail of three
 constexpr int guard = 16;   // elements on either side that nobody may write
 
@@ -307,6 +318,8 @@ TEST (VectorOps, ConvertsBothWays)
 
 TEST (VectorOps, RoundsToTheNearestFloatAndTiesToEven)
 {
+    const KeepDenormals keep;
+
     // Between 1 and 1 + 2^-23 there is no float: below, at and above the middle, and the tie one step further up.
     const double s[] = { 1.0 + 0x1p-25, 1.0 + 0x1p-24, 1.0 + 0x1.8p-24, 1.0 + 0x1p-23 + 0x1p-24, 0x1p-150, 0x1.8p-149 };
     const float expected[] = { 1.0f, 1.0f, 1.0f + 0x1p-23f, 1.0f + 0x1p-22f, 0.0f, 0x1p-148f };
@@ -440,6 +453,8 @@ TEST (VectorOpsTanh, IsAccurateWhereTheRangeReductionChangesItsPower)
 
 TEST (VectorOpsTanh, KeepsTheSmallestNumbers)
 {
+    const KeepDenormals keep;
+
     // tanh x = x - x^3 / 3 + ..., so the nearest double of a tiny x is x itself.
     const auto tiny = std::numeric_limits<double>::denorm_min();
     const double s[] = { tiny, -tiny, 5.0 * tiny, std::numeric_limits<double>::min(), 1e-310, -1e-300, 0.0, -0.0 };
