@@ -23,13 +23,14 @@ struct RCSection
 
     double coefficient (double ohms) noexcept
     {
-        if (ohms != cachedOhms)
-        {
-            cachedOhms = resistance = ohms;
-            cachedCoefficient = T / (capacitance * ohms + T);
-        }
+        if (ohms == cachedOhms)
+            return cachedCoefficient;
 
-        return cachedCoefficient;
+        // What is returned was computed here, whatever another control's thread keeps meanwhile.
+        const auto result = T / (capacitance * ohms + T);
+        cachedCoefficient = result;
+        cachedOhms = resistance = ohms;
+        return result;
     }
 
     double capacitance, resistance;

@@ -26,8 +26,6 @@ struct GeometricSmoother
     /** As LinearSmoother::setTarget, for a gain v of 0 or above. */
     void setTarget (double v) noexcept
     {
-        constexpr double smallest = 1.0e-6; // -120 dB
-
         if (std::abs (v - current) < 1.0e-6)
         {
             target = current = v;
@@ -36,10 +34,18 @@ struct GeometricSmoother
         else if (target != v)
         {
             target = v;
-            current = std::max (current, smallest);
-            ratio = std::pow (std::max (v, smallest) / current, 1.0 / length);
-            remaining = length;
+            startRamp();
         }
+    }
+
+    /** From the present value to the target, in a whole ramp. */
+    void startRamp() noexcept
+    {
+        constexpr double smallest = 1.0e-6; // -120 dB
+
+        current = std::max (current, smallest);
+        ratio = std::pow (std::max (target, smallest) / current, 1.0 / length);
+        remaining = length;
     }
 
     void restAtTarget (std::uint16_t newLength) noexcept
@@ -52,7 +58,9 @@ struct GeometricSmoother
     template <typename Sample>
     void fill (Sample* destination, int n) noexcept
     {
-        const auto ramped = std::min (static_cast<int> (remaining), n);
+        const auto stepsLeft = remaining;
+        const auto aimedAt = target;
+        const auto ramped = std::min (static_cast<int> (stepsLeft), n);
         auto value = current;
 
         for (int i = 0; i < ramped; ++i)
@@ -62,7 +70,13 @@ struct GeometricSmoother
         }
 
         current = value;
-        remaining = static_cast<std::uint16_t> (remaining - ramped);
+
+        // Read anew from memory: a control on another thread may have set it since.
+        if (*const_cast<const volatile double*> (&target) == aimedAt)
+            remaining = static_cast<std::uint16_t> (stepsLeft - ramped);
+        else
+            startRamp();
+
         std::fill (destination + ramped, destination + std::max (n, ramped), static_cast<Sample> (value));
     }
 };

@@ -39,9 +39,15 @@ struct LinearSmoother
         else if (target != v)
         {
             target = v;
-            step = distance / length;
-            remaining = length;
+            startRamp();
         }
+    }
+
+    /** From the present value to the target, in a whole ramp. */
+    void startRamp() noexcept
+    {
+        step = (target - current) / length;
+        remaining = length;
     }
 
     /** Lands on the target and takes a new ramp length in steps. */
@@ -52,11 +58,14 @@ struct LinearSmoother
         remaining = 0;
     }
 
-    /** The next n values, one a sample: the ramp while it lasts, then its last value. */
+    /** The next n values, one a sample: the ramp while it lasts, then its last value. A control may set a target while
+        this runs; its ramp then starts behind these values, for what is written here would undo it. */
     template <typename Sample>
     void fill (Sample* destination, int n) noexcept
     {
-        const auto ramped = std::min (static_cast<int> (remaining), n);
+        const auto stepsLeft = remaining;
+        const auto aimedAt = target;
+        const auto ramped = std::min (static_cast<int> (stepsLeft), n);
         auto value = current;
 
         for (int i = 0; i < ramped; ++i)
@@ -66,7 +75,13 @@ struct LinearSmoother
         }
 
         current = value;
-        remaining = static_cast<std::uint16_t> (remaining - ramped);
+
+        // Read anew from memory: a control on another thread may have set it since.
+        if (*const_cast<const volatile double*> (&target) == aimedAt)
+            remaining = static_cast<std::uint16_t> (stepsLeft - ramped);
+        else
+            startRamp();
+
         std::fill (destination + ramped, destination + std::max (n, ramped), static_cast<Sample> (value));
     }
 };
