@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // What the meters show: running levels before and behind a band, and their decay while no band runs.
 #include "processor/CorvaneQ7AudioProcessor.h"
+#include "processor/Decibels.h"
+
+#include <algorithm>
 
 namespace
 {
@@ -90,4 +93,25 @@ void CorvaneQ7AudioProcessor::updateMetersIdle (int numSamples) noexcept
             settings.level (b) = group.outputPeak * levelScale;
         }
     }
+}
+
+double CorvaneQ7AudioProcessor::deepestGainReductionDb() const noexcept
+{
+    const auto& settings = settingsSlots[activeSlot];
+
+    if (settings.bypass.target >= 0.5)
+        return 0.0;
+
+    const auto deepest =
+        std::min ({ settings.lowGainReduction, settings.midGainReduction, settings.highGainReduction });
+    return std::min (0.0, Decibels::fromGain (deepest));
+}
+
+std::int32_t CorvaneQ7AudioProcessor::queryIEditController (const Steinberg::TUID interfaceId, void** object)
+{
+    if (gainReductionReport.query (interfaceId, object))
+        return 0;
+
+    *object = nullptr;
+    return -1;
 }
