@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "parameters/UserDefaults.h"
 
+#include "parameters/NumberText.h"
 #include "processor/Decibels.h"
 
 namespace
@@ -25,22 +26,45 @@ UserDefaults::UserDefaults()
 
 juce::PropertiesFile& UserDefaults::file() { return *properties.getUserSettings(); }
 
+void UserDefaults::reload() { file().reload(); }
+
+bool UserDefaults::save (const char* key, const juce::var& value)
+{
+    reload();
+    file().setValue (key, value);
+    return file().saveIfNeeded();
+}
+
+bool UserDefaults::saveCalibrationDb (int calibrationDb)
+{
+    return save ("Calibration", NumberText::fixed (calibrationDb, 1));
+}
+
+bool UserDefaults::saveOversampling (int factor) { return save ("Oversampling", factor); }
+
+bool UserDefaults::saveUiZoom (double zoom) { return save ("UIZoom", NumberText::fixed (zoom, 6)); }
+
+double UserDefaults::number (const char* key, double missing)
+{
+    return file().containsKey (key) ? NumberText::leadingNumber (file().getValue (key)) : missing;
+}
+
 double UserDefaults::calibrationDb()
 {
-    const auto stored = file().getDoubleValue ("Calibration", defaultCalibrationDb);
+    const auto stored = number ("Calibration", defaultCalibrationDb);
     const auto inRange = stored >= lowestCalibrationDb && stored <= highestCalibrationDb; // not for a NaN
     return inRange ? stored : defaultCalibrationDb;
 }
 
 int UserDefaults::oversampling()
 {
-    const auto stored = file().getIntValue ("Oversampling", 0);
+    const auto stored = NumberText::leadingInteger (file().getValue ("Oversampling"));
     return stored >= 1 && stored <= maxOversampling ? stored : 1;
 }
 
 double UserDefaults::uiZoom()
 {
-    const auto stored = file().getDoubleValue ("UIZoom", highestZoom);
+    const auto stored = number ("UIZoom", highestZoom);
     return std::isnan (stored) ? highestZoom : juce::jlimit (lowestZoom, highestZoom, stored);
 }
 

@@ -25,6 +25,15 @@ public:
     /** Scale of the editor, limited to 0.7 to 1; 1 when the file holds nothing. */
     double uiZoom();
 
+    /** Reads the file anew: another instance may have saved in between. */
+    void reload();
+
+    /** Write a value under its key and save the file at once, keeping what other instances saved. False when the file
+        cannot be written; nothing else then happens. */
+    bool saveCalibrationDb (int calibrationDb);
+    bool saveOversampling (int factor);
+    bool saveUiZoom (double zoom);
+
     /** Linear gain that puts a level in dBu of digital full scale at the circuit's fixed reference; 0 at -100 and
         below. 1.1523716865 is the sample value there of a full-scale signal at 0 dBu. */
     static double calibrationGainFor (double calibrationDb) noexcept;
@@ -38,6 +47,8 @@ public:
 
 private:
     juce::PropertiesFile& file();
+    double number (const char* key, double missing);
+    bool save (const char* key, const juce::var& value);
 
     juce::ApplicationProperties properties;
 };

@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "processor/CorvaneQ7AudioProcessor.h"
 
+#include "parameters/ParameterTable.h"
+#include "parameters/SettingsParameter.h"
+
 namespace
 {
 /** Hosts choose a program right after they restored a state: within this time the state wins. */
@@ -27,6 +30,8 @@ CorvaneQ7AudioProcessor::CorvaneQ7AudioProcessor()
         FactoryPrograms::fill (programs[static_cast<std::size_t> (i)], i);
         programNames[i] = FactoryPrograms::name (i);
     }
+
+    ParameterTable::addParametersTo (*this);
 }
 
 void CorvaneQ7AudioProcessor::prepareToPlay (double sampleRate, int estimatedSamplesPerBlock)
@@ -49,8 +54,8 @@ void CorvaneQ7AudioProcessor::setCurrentProgram (int index)
 {
     currentProgram = juce::jlimit (0, FactoryPrograms::numPrograms - 1, index);
 
-    // Unsigned differences stay right when the counter wraps; 0 means that no state was ever restored.
-    if (lastStateRestoreMs != 0 && juce::Time::getMillisecondCounter() - lastStateRestoreMs < programShieldMs)
+    // Unsigned differences stay right when the counter wraps. A fresh instance has had no state to shield.
+    if (! freshInstance && millisecondCounter() - lastStateRestoreMs < programShieldMs)
         return;
 
     activeSettings() = programs[static_cast<std::size_t> (currentProgram)];
@@ -61,6 +66,73 @@ const juce::String CorvaneQ7AudioProcessor::getProgramName (int index)
 {
     return index >= 0 && index < FactoryPrograms::numPrograms ? programNames[index] : juce::String();
 }
+
+float CorvaneQ7AudioProcessor::getParameter (int index)
+{
+    const auto* parameter = getParameters()[index];
+    return parameter != nullptr ? parameter->getValue() : 0.0f;
+}
+
+const juce::String CorvaneQ7AudioProcessor::getParameterName (int index)
+{
+    const auto* parameter = getParameters()[index];
+    return parameter != nullptr ? parameter->getName (0) : juce::String();
+}
+
+const juce::String CorvaneQ7AudioProcessor::getParameterText (int index)
+{
+    const auto* parameter = getParameters()[index];
+    return parameter != nullptr ? parameter->getText (parameter->getValue(), 0) : juce::String();
+}
+
+float CorvaneQ7AudioProcessor::getParameterDefaultValue (int index)
+{
+    const auto* parameter = getParameters()[index];
+    return parameter != nullptr ? parameter->getDefaultValue() : 0.0f;
+}
+
+int CorvaneQ7AudioProcessor::getParameterNumSteps (int index)
+{
+    const auto* parameter = getParameters()[index];
+    return parameter != nullptr ? parameter->getNumSteps() : continuousSteps;
+}
+
+bool CorvaneQ7AudioProcessor::isMetaParameter (int index) const
+{
+    const auto* parameter = getParameters()[index];
+    return parameter != nullptr && parameter->isMetaParameter();
+}
+
+void CorvaneQ7AudioProcessor::setParameter (int index, float newValue)
+{
+    if (auto* parameter = getParameters()[index])
+        parameter->setValue (newValue);
+    else
+        applySettings();
+}
+
+void CorvaneQ7AudioProcessor::setParameterNotifyingHost (int index, float newValue)
+{
+    if (auto* parameter = getParameters()[index])
+        parameter->setValueNotifyingHost (newValue);
+}
+
+void CorvaneQ7AudioProcessor::rebindParameters()
+{
+    for (auto* parameter : getParameters())
+        if (auto* view = dynamic_cast<SettingsParameter*> (parameter))
+            view->bind (activeSettings());
+}
+
+void CorvaneQ7AudioProcessor::selectSlot (int slot)
+{
+    activeSlot = slot == 1 ? 1 : 0;
+    rebindParameters();
+    applySettings();
+    updateHostDisplay();
+}
+
+void CorvaneQ7AudioProcessor::copyToOtherSlot() { settingsSlots[(activeSlot + 1) % 2] = activeSettings(); }
 
 void CorvaneQ7AudioProcessor::applySettings()
 {
@@ -83,9 +155,12 @@ void CorvaneQ7AudioProcessor::setCalibration (double calibrationDb)
 
 void CorvaneQ7AudioProcessor::setOversampling (int factor)
 {
-    if (oversamplingRequested == factor)
-        return;
+    if (oversamplingRequested != factor)
+        changeOversampling (factor);
+}
 
+void CorvaneQ7AudioProcessor::changeOversampling (int factor)
+{
     // Stored before the host hears of it: a host may prepare anew within the notice.
     oversamplingRequested = factor;
 
@@ -93,14 +168,4 @@ void CorvaneQ7AudioProcessor::setOversampling (int factor)
         setLatencySamples (latencyOf (factor));
 
     updateHostDisplay (ChangeDetails::getDefaultFlags().withNonParameterStateChanged (true));
-}
-
-// Sessions do not carry settings yet: this version hands out an empty state and takes none.
-
-void CorvaneQ7AudioProcessor::getStateInformation (juce::MemoryBlock& destination) { destination.reset(); }
-
-void CorvaneQ7AudioProcessor::setStateInformation (const void*, int)
-{
-    freshInstance = false;
-    lastStateRestoreMs = juce::Time::getMillisecondCounter();
 }

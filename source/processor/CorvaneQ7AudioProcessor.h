@@ -7,10 +7,12 @@
 #include "dsp/OutputTransformer.h"
 #include "dsp/OversamplerChannel.h"
 #include "parameters/FactoryPrograms.h"
+#include "parameters/PluginState.h"
 #include "parameters/UserDefaults.h"
 #include "processor/ChannelSettings.h"
 #include "processor/NoiseSource.h"
 #include "processor/RmsFollower.h"
+#include "processor/Vst3GainReduction.h"
 
 #include <juce_audio_processors/juce_audio_processors.h>
 
@@ -27,7 +29,7 @@
              and writes of ChannelSettings by design: what would click is carried by a smoother.
     Errors   none are reported. Blocks before the first prepareToPlay, or during a rebuild, are passed on unchanged.
 */
-class CorvaneQ7AudioProcessor : public juce::AudioProcessor
+class CorvaneQ7AudioProcessor : public juce::AudioProcessor, public juce::VST3ClientExtensions
 {
 public:
     static constexpr int numBands = ChannelSettings::numBands;
@@ -62,6 +64,28 @@ public:
     void getStateInformation (juce::MemoryBlock& destination) override;
     void setStateInformation (const void* data, int sizeInBytes) override;
 
+    /** VST3 alone: hosts that draw gain reduction ask for its interface. */
+    std::int32_t queryIEditController (const Steinberg::TUID interfaceId, void** object) override;
+
+    /** The reduction of the band that is turned down most, in dB, 0 or negative; 0 while bypassed. Any thread. */
+    double deepestGainReductionDb() const noexcept;
+
+    // ---- parameters by index: the table's order is the host's --------------------------------
+    // The framework keeps these operations for older hosts only; here they are plain forwards to the objects.
+    int getNumParameters() override { return getParameters().size(); }
+    float getParameter (int index) override;
+    const juce::String getParameterName (int index) override;
+    const juce::String getParameterText (int index) override;
+    float getParameterDefaultValue (int index) override;
+    int getParameterNumSteps (int index) override;
+    bool isMetaParameter (int index) const override;
+
+    /** Calls the object's setValue, which applies the settings; an index without an object applies them alone. */
+    void setParameter (int index, float newValue) override;
+
+    /** The same, and tells the host and other listeners. */
+    void setParameterNotifyingHost (int index, float newValue);
+
     // ---- the road of a control change --------------------------------------------------------
     /** The record behind the audible slot. */
     ChannelSettings& activeSettings() noexcept { return settingsSlots[activeSlot]; }
@@ -69,6 +93,15 @@ public:
     /** Pushes the active record into the engine: mix, the three bands, the crossovers. Any thread; cheap, and
         without effect when nothing changed. */
     void applySettings();
+
+    /** Points all parameter objects at the active record. */
+    void rebindParameters();
+
+    /** Makes a slot audible, 0 for A or 1 for B, and tells host and listeners. Message thread. */
+    void selectSlot (int slot);
+
+    /** Copies the audible slot to the other one, by the records' copy rule. Message thread. */
+    void copyToOtherSlot();
 
     /** Asks for an oversampling factor and tells host and listeners its latency. The next block, or the next
         prepareToPlay, rebuilds the engine. Any thread but audio. */
@@ -120,6 +153,7 @@ public:
     std::vector<ChannelSettings> programs; // fifteen
     int currentProgram = 0;
     std::uint32_t lastStateRestoreMs = 0; // millisecond counter; 0 is "never"
+    std::uint32_t (*millisecondCounter)() noexcept = juce::Time::getMillisecondCounter; // tests move it
 
     bool freshInstance = true;                    // until the first setStateInformation
     int oversamplingRequested = 1;                // wanted by user or state
@@ -162,8 +196,11 @@ private:
     int numChannelsOf (const juce::AudioBuffer<float>& buffer) const noexcept;
     void clearOutputsWithoutInput (juce::AudioBuffer<float>& buffer) const;
     int factorToBuild() const noexcept;
+    void restoreOptions (const PluginState::Reader& state);
+    void changeOversampling (int factor);
     static int latencyOf (int factor) noexcept { return factor >= 2 ? oversamplingLatency : 0; }
 
+    Vst3GainReduction gainReductionReport { [this] { return deepestGainReductionDb(); } };
     NoiseSource* noise = &NoiseSource::system();
     int builtFactor = 1; // the requested factor, limited to 1 to 16
     int builtChannels = 0;

@@ -10,6 +10,14 @@ constexpr float nukeDrive = 10.0f; // into the transformer, 20 dB
 constexpr float nukeReturn = 0.1f;
 constexpr float noiseAmplitude = 4.0e-05f; // in circuit units
 
+/** Back from circuit units. A session may hold a calibration that lets nothing in: then nothing comes back, where the
+    quotient would be no number. */
+float returnGain (double calibrationGain) noexcept
+{
+    const auto gain = static_cast<float> (calibrationGain);
+    return gain != 0.0f ? 1.0f / gain : 0.0f;
+}
+
 void clipToRails (float* samples, int n) noexcept { VectorOps::clip (samples, -ceiling, ceiling, samples, n); }
 } // namespace
 
@@ -115,8 +123,8 @@ void CorvaneQ7AudioProcessor::processPiece (float* const* channels, int numChann
     // 10  Master Gain over the calibration, Out Level.
     settings.outLevelLinear.fill (curves[outputCurve], numSamples);
     settings.masterGainLinear.fill (curves[masterCurve], numSamples);
-    VectorOps::multiplyByConstant (curves[masterCurve], 1.0f / static_cast<float> (settings.calibrationGain),
-                                   curves[masterCurve], numSamples);
+    VectorOps::multiplyByConstant (curves[masterCurve], returnGain (settings.calibrationGain), curves[masterCurve],
+                                   numSamples);
 
     for (int c = 0; c < numChannels; ++c)
     {
