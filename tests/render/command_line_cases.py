@@ -22,7 +22,8 @@ class CommandLine(RendererCase):
         text = self.succeed("--help")
         for option in ("program", "oversampling", "calibration", "block", "seed", "noise", "tail", "meters",
                        "keep-latency", "bypass", "bits", "list-programs", "dump-curves", "dump-control-law",
-                       "dump-taps", "version", "force", "quiet"):
+                       "dump-taps", "version", "force", "quiet", "set", "set-normalised", "state", "save-state",
+                       "settings", "save-settings", "automation", "list-parameters", "json", "write-parameter-docs"):
             self.assertIn(f"--{option} ", text)
 
     def test_needs_input_and_output(self):
@@ -34,7 +35,10 @@ class CommandLine(RendererCase):
 
     def test_refuses_empty_file_names(self):
         self.refuse(USAGE, "name of a file", self.source, "")
-        self.refuse_words("name of a file", "--meters", "")
+        for option in ("--meters", "--state", "--save-state", "--settings", "--save-settings", "--automation",
+                       "--write-parameter-docs"):
+            with self.subTest(option):
+                self.refuse_words("name of a file", option, "")
 
     def test_refuses_unknown_options(self):
         self.refuse_words("--loudness", "--loudness")
@@ -100,8 +104,19 @@ class CommandLine(RendererCase):
             with self.subTest(number):
                 self.refuse_words("--list-programs", "--program", number)
 
-    def test_renders_nothing_when_it_lists_or_dumps(self):
-        self.refuse_words("list or dump", "--list-programs")
+    def test_renders_and_saves_nothing_when_it_lists_or_dumps(self):
+        for words in (("--list-programs",), ("--list-parameters",), ("--write-parameter-docs", "page")):
+            with self.subTest(words):
+                self.refuse_words("list or dump", *words)
+                self.refuse(USAGE, "list or dump", *words, "--save-state", "state")
+
+    def test_refuses_json_without_a_list(self):
+        self.refuse_words("--list-parameters", "--json")
+
+    def test_saving_alone_takes_no_options_of_a_render(self):
+        for option in ("--meters", "--automation"):
+            with self.subTest(option):
+                self.refuse(USAGE, "need an INPUT", "--save-state", "state", option, "file")
 
     def test_complains_when_its_text_cannot_be_printed(self):
         try:

@@ -10,6 +10,7 @@ import subprocess
 import tempfile
 import unittest
 
+from session_blocks import read_state
 from sound_files import read_wav, write_wav
 
 RENDERER = os.environ.get("CORVANE_RENDER", "")
@@ -82,6 +83,11 @@ class RendererCase(unittest.TestCase):
         self.assertRegex(process.err, pattern)
         self.assertEqual(process.out, "")
         self.expect_folder(before)
+
+    def attributes(self, *words):
+        """The attributes of the session block that the words lead to."""
+        self.succeed(*words, "--save-state", self.path("state of words"), "--force")
+        return read_state(self.path("state of words"))
 
     def folder_content(self):
         return {file.name: file.read_bytes() for file in self.folder.iterdir() if file.is_file()}

@@ -7,7 +7,8 @@ The cases stand beside this file, one thought a file; `-k NAME` runs those with 
 
 import unittest
 
-PARTS = ("command_line_cases", "file_cases", "sound_cases", "report_cases")
+PARTS = ("command_line_cases", "file_cases", "sound_cases", "report_cases", "parameter_cases", "state_cases",
+         "settings_cases", "automation_cases")
 
 
 def load_tests(loader, _tests, _pattern):

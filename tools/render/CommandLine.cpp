@@ -1,13 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "render/CommandLine.h"
 
+#include "render/ParameterText.h"
 #include "render/ProgramNames.h"
 #include "render/RenderError.h"
 
 #include <CLI/CLI.hpp>
 
-#include <charconv>
-#include <cmath>
 #include <limits>
 #include <locale>
 #include <sstream>
@@ -29,29 +28,22 @@ template <typename Number>
 
 std::int64_t wholeNumber (const std::string& option, const std::string& text, std::int64_t lowest, std::int64_t highest)
 {
-    std::int64_t value = 0;
-    const auto* end = text.data() + text.size();
-    const auto result = std::from_chars (text.data(), end, value);
+    const auto value = TypedText::wholeNumber (text);
 
-    if (result.ec != std::errc() || result.ptr != end || value < lowest || value > highest)
+    if (! value || *value < lowest || *value > highest)
         refuseNumber (option, "whole number", lowest, highest, text);
 
-    return value;
+    return *value;
 }
 
 double number (const std::string& option, const std::string& text, double lowest, double highest)
 {
-    auto value = 0.0;
-    std::istringstream stream (text);
-    stream.imbue (std::locale::classic());
-    stream >> std::noskipws >> value;
+    const auto value = TypedText::number (text);
 
-    // Asked so that a NaN is outside.
-    if (stream.fail() || stream.peek() != std::istringstream::traits_type::eof()
-        || ! (value >= lowest && value <= highest))
+    if (! value || *value < lowest || *value > highest)
         refuseNumber (option, "number", lowest, highest, text);
 
-    return value;
+    return *value;
 }
 
 std::filesystem::path fileName (const std::string& option, const std::string& text)
@@ -82,6 +74,29 @@ bool onOrOff (const std::string& option, const std::string& text)
     return text == "on";
 }
 
+/** What --set and --set-normalised take. */
+ParameterChange changeFrom (const std::string& option, const char* form, const std::string& text)
+{
+    const auto sides = TypedText::splitAt ('=', text);
+
+    if (! sides)
+        refuse (option + " takes " + form + ", not \"" + text + '"');
+
+    try
+    {
+        const auto index = ParameterText::find (sides->first, ParameterText::identifiers());
+
+        if (option == "--set")
+            return { index, ParameterText::toNormalised (index, sides->second) };
+
+        return { index, static_cast<float> (number (option + ' ' + sides->first, sides->second, 0.0, 1.0)) };
+    }
+    catch (const TextError& error)
+    {
+        refuse (error.what());
+    }
+}
+
 using Text = const std::string&;
 
 CLI::Option* add (CLI::App& app, const char* name, const char* type, const char* help,
@@ -94,6 +109,21 @@ void addSoundOptions (CLI::App& app, RenderOptions& to)
 {
     add (app, "--program", "NAME|0-14", "program to render with (default 0, \"Default\")",
          [&to] (Text text) { to.program = ProgramNames::find (text); });
+
+    add (app, "--state", "FILE", "start from a host's session block",
+         [&to] (Text text) { to.state = fileName ("--state", text); });
+
+    add (app, "--settings", "FILE", "start from a settings text, as --save-settings writes it",
+         [&to] (Text text) { to.settingsText = fileName ("--settings", text); });
+
+    // Taken as they are met, so that the order of both kinds among each other stays.
+    for (const auto& [option, form, help] :
+         { std::tuple { "--set", "IDENTIFIER=TEXT", "set a control, as in LowThreshold=-12dB; any number of times" },
+           std::tuple { "--set-normalised", "IDENTIFIER=X", "set a control to a number from 0 to 1" } })
+        add (app, option, form, help,
+             [&to, option = std::string (option), form = form] (Text text)
+             { to.changes.push_back (changeFrom (option, form, text)); })
+            ->trigger_on_parse();
 
     add (app, "--oversampling", "1-16", "oversampling factor (default 1)",
          [&to] (Text text) {
@@ -138,6 +168,15 @@ void addFileOptions (CLI::App& app, RenderOptions& to)
     add (app, "--tail", "SECONDS", "silence to render behind the input, 0 to 600 (default 0)",
          [&to] (Text text) { to.tailSeconds = number ("--tail", text, 0.0, RenderOptions::maxTailSeconds); });
 
+    add (app, "--automation", "FILE", "move controls while the sound runs: lines frame,identifier,value",
+         [&to] (Text text) { to.automation = fileName ("--automation", text); });
+
+    add (app, "--save-state", "FILE", "write the settings as a host's session block",
+         [&to] (Text text) { to.saveState = fileName ("--save-state", text); });
+
+    add (app, "--save-settings", "FILE", "write the settings as a text to read and to mail",
+         [&to] (Text text) { to.saveSettingsText = fileName ("--save-settings", text); });
+
     add (app, "--meters", "FILE", "write the meters, a line of comma-separated values a block",
          [&to] (Text text) { to.meters = fileName ("--meters", text); });
 
@@ -148,6 +187,12 @@ void addFileOptions (CLI::App& app, RenderOptions& to)
 void addTableOptions (CLI::App& app, CommandLine& to, std::vector<std::string>& taps)
 {
     app.add_flag ("--list-programs", to.listPrograms, "print number and name of every program");
+
+    app.add_flag ("--list-parameters", to.listParameters, "print every control: names, range, steps, default, texts");
+    app.add_flag ("--json", to.asJson, "with --list-parameters: for programs to read");
+
+    add (app, "--write-parameter-docs", "FILE", "write the page of the documentation about the controls",
+         [&to] (Text text) { to.parameterDocsFile = fileName ("--write-parameter-docs", text); });
 
     add (app, "--dump-curves", "FILE", "write the five detector curves as 32-bit floats",
          [&to] (Text text) { to.curvesFile = fileName ("--dump-curves", text); });
@@ -171,12 +216,37 @@ void finish (CommandLine& line, const std::vector<std::string>& taps)
         line.tapsFile = fileName ("--dump-taps", taps[1]);
     }
 
-    if (line.rendersNothing() && numFiles > 0)
-        refuse ("INPUT and OUTPUT do not go with options that list or dump");
+    if (line.asJson && ! line.listParameters)
+        refuse ("--json goes with --list-parameters");
 
-    if (! line.rendersNothing() && numFiles < 2)
+    if (line.rendersNothing() && (numFiles > 0 || line.render.savesSettings()))
+        refuse ("INPUT, OUTPUT and options that save do not go with options that list or dump");
+
+    if (line.rendersNothing())
+        return;
+
+    if (line.onlySavesSettings())
+    {
+        if (! line.render.meters.empty() || ! line.render.automation.empty())
+            refuse ("--meters and --automation need an INPUT and an OUTPUT");
+    }
+    else if (numFiles < 2)
         refuse ("an INPUT and an OUTPUT are needed; see --help");
 }
+
+constexpr auto footer =
+    R"(Settings come from these places, each over the one before: --program, --state, --settings, then --set and
+--set-normalised in the order given, then --bypass, --oversampling and --calibration. --save-state and --save-settings
+keep what comes out of it, with INPUT and OUTPUT or without. While Link is on, a band's control moves the other bands'.
+
+Texts are those that the controls show: LowThreshold=-12dB, MidRatio=4:1, Mix=80%, HPF=off, LowGain=auto, Bypass=Byp.
+A number may stand without its unit; one between two steps goes to the nearest.
+
+An automation file has lines such as "48000,Mix,50%" or "48000,Mix,n:0.5" (normalised). Frames count from 0 in INPUT
+and on through the tail. A change glides as in the plug-in, at frame 0 too. # begins a comment, here and in a settings
+text.
+
+Exit status: 0 done, 2 the command line, 3 a file to read, 4 a file to write, 1 anything else.)";
 } // namespace
 
 CommandLine CommandLine::parse (int argc, const char* const* argv)
@@ -189,6 +259,7 @@ CommandLine CommandLine::parse (int argc, const char* const* argv)
     addSoundOptions (app, line.render);
     addFileOptions (app, line.render);
     addTableOptions (app, line, taps);
+    app.footer (footer);
     app.add_flag ("--quiet", line.quiet, "no progress and no summary");
 
     try

@@ -21,11 +21,18 @@ struct CommandLine
 
     bool quiet = false;
     bool listPrograms = false;
-    std::optional<std::filesystem::path> curvesFile, controlLawFile, tapsFile;
+    bool listParameters = false, asJson = false;
+    std::optional<std::filesystem::path> curvesFile, controlLawFile, tapsFile, parameterDocsFile;
     int tapsFactor = 0;
 
     RenderOptions render;
 
     /** True if only texts and tables are wanted, and no INPUT and OUTPUT. */
-    bool rendersNothing() const noexcept { return listPrograms || curvesFile || controlLawFile || tapsFile; }
+    bool rendersNothing() const noexcept
+    {
+        return listPrograms || listParameters || curvesFile || controlLawFile || tapsFile || parameterDocsFile;
+    }
+
+    /** True if settings are put together and kept, but no sound goes through them. */
+    bool onlySavesSettings() const noexcept { return render.savesSettings() && ! render.rendersSound(); }
 };

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "render/RenderJob.h"
 
+#include "render/FileConflicts.h"
+#include "render/ProcessorSetup.h"
 #include "render/RenderError.h"
 
 #include <algorithm>
@@ -10,20 +12,9 @@
 
 namespace
 {
-bool isSameFile (const std::filesystem::path& a, const std::filesystem::path& b)
-{
-    std::error_code error;
-    return std::filesystem::equivalent (a, b, error)
-           || std::filesystem::weakly_canonical (a, error) == std::filesystem::weakly_canonical (b, error);
-}
-
 const RenderOptions& withoutConflict (const RenderOptions& options)
 {
-    if (! options.meters.empty())
-        for (const auto& sound : { options.input, options.output })
-            if (isSameFile (options.meters, sound))
-                throw RenderError (ExitStatus::usage, "--meters names the same file as INPUT or OUTPUT");
-
+    refuseFileConflicts (options);
     return options;
 }
 
@@ -43,6 +34,9 @@ RenderJob::RenderJob (const RenderOptions& optionsToUse)
     const auto latency = processor.getLatencySamples();
     silenceLeft = tailFrames + latency;
     framesToDrop = options.keepLatency ? 0 : latency;
+
+    if (! options.automation.empty())
+        automation = Automation (options.automation);
 
     writer.emplace (output, numChannels, sampleRate, options.format, framesInAll (silenceLeft - framesToDrop));
 
@@ -64,20 +58,13 @@ void RenderJob::settleProcessor()
     processor.setRateAndBufferSizeDetails (sampleRate, options.blockSize);
     processor.setNonRealtime (true);
 
-    // Always told, for the processor starts with what the user's settings file says.
-    processor.setOversampling (options.oversampling);
-    processor.setCalibration (options.calibrationDb);
+    ProcessorSetup setup (options, processor);
+    saved.emplace (options, processor);
 
-    auto& settings = processor.activeSettings();
-    settings = processor.programs[static_cast<std::size_t> (options.program)];
-    settings.bypass.setTarget (options.bypass ? 1.0 : 0.0);
-
-    // The programs show the gain reduction alone, and a level is measured only where a meter shows one.
+    // The programs show the gain reduction alone, and a level is measured only where a meter shows one. What is saved
+    // knows nothing of this.
     if (! options.meters.empty())
-        for (auto& band : settings.bands)
-            band.meter = ChannelSettings::meterOut;
-
-    processor.applySettings();
+        setup.showLevels();
 
     if (! options.noise)
         processor.setNoiseSource (NoiseSource::held());
@@ -137,23 +124,36 @@ int RenderJob::readBlock()
 
 void RenderJob::processBlock (int numFrames)
 {
-    juce::AudioBuffer<float> block (channels.getArrayOfWritePointers(), numChannels, numFrames);
+    for (int c = 0; c < numChannels; ++c)
+        for (int i = 0; i < numFrames; ++i)
+            channels.setSample (c, i, interleaved[static_cast<std::size_t> (i * numChannels + c)]);
+
+    processPieces (numFrames);
 
     for (int c = 0; c < numChannels; ++c)
         for (int i = 0; i < numFrames; ++i)
-            block.setSample (c, i, interleaved[static_cast<std::size_t> (i * numChannels + c)]);
-
-    processor.processBlock (block, noMidi);
-
-    for (int c = 0; c < numChannels; ++c)
-        for (int i = 0; i < numFrames; ++i)
-            interleaved[static_cast<std::size_t> (i * numChannels + c)] = block.getSample (c, i);
+            interleaved[static_cast<std::size_t> (i * numChannels + c)] = channels.getSample (c, i);
 
     auto& settings = processor.activeSettings();
     gainReduction.add (settings);
 
     if (meters)
         meters->write (framesDone, settings);
+}
+
+/** A block ends early where a control changes, so that the change is heard from its very frame on. */
+void RenderJob::processPieces (int numFrames)
+{
+    for (int done = 0; done < numFrames;)
+    {
+        automation.advanceTo (framesDone + done, processor);
+
+        const auto untilChange = automation.nextFrame() - (framesDone + done);
+        const auto length = static_cast<int> (std::min<std::int64_t> (numFrames - done, untilChange));
+        juce::AudioBuffer<float> piece (channels.getArrayOfWritePointers(), numChannels, done, length);
+        processor.processBlock (piece, noMidi);
+        done += length;
+    }
 }
 
 void RenderJob::writeBlock (int numFrames)
@@ -179,6 +179,7 @@ void RenderJob::finishFiles()
     if (meters)
         meters->commit();
 
+    saved->commit();
     output.commit();
 }
 

@@ -3,10 +3,12 @@
 
 #include "processor/CorvaneQ7AudioProcessor.h"
 #include "render/AudioFile.h"
+#include "render/Automation.h"
 #include "render/LevelMeter.h"
 #include "render/MeterLog.h"
 #include "render/PendingFile.h"
 #include "render/RenderOptions.h"
+#include "render/SavedSettings.h"
 
 #include <cstdint>
 #include <functional>
@@ -53,6 +55,7 @@ private:
 
     int readBlock();
     void processBlock (int numFrames);
+    void processPieces (int numFrames);
     void writeBlock (int numFrames);
     void finishFiles();
 
@@ -71,6 +74,8 @@ private:
     PendingFile output;
     std::optional<AudioFileWriter> writer;
     std::optional<MeterLog> meters;
+    std::optional<SavedSettings> saved;
+    Automation automation;
 
     LevelMeter inputLevels, outputLevels;
     GainReduction gainReduction;

@@ -4,19 +4,18 @@
 #include "dsp/ControlLaw.h"
 #include "dsp/DetectorCurves.h"
 #include "dsp/OversamplerChannel.h"
-#include "render/PendingFile.h"
-#include "render/RenderError.h"
+#include "render/TextFile.h"
 
 #include <cstdint>
 #include <cstring>
-#include <fstream>
+#include <string>
 #include <vector>
 
 namespace
 {
-std::vector<char> toLittleEndian (const std::vector<float>& values)
+std::string toLittleEndian (const std::vector<float>& values)
 {
-    std::vector<char> bytes;
+    std::string bytes;
     bytes.reserve (values.size() * sizeof (float));
 
     for (const auto value : values)
@@ -34,15 +33,7 @@ std::vector<char> toLittleEndian (const std::vector<float>& values)
 void writeFloats (const std::vector<float>& values, const std::filesystem::path& file, bool overwrite)
 {
     PendingFile pending (file, overwrite);
-    const auto bytes = toLittleEndian (values);
-    std::ofstream stream (pending.path(), std::ios::binary);
-    stream.write (bytes.data(), static_cast<std::streamsize> (bytes.size()));
-    stream.close();
-
-    if (! stream)
-        throw RenderError (ExitStatus::output,
-                           "cannot write \"" + file.string() + "\": not all of it could be written");
-
+    TextFile::write (pending, toLittleEndian (values));
     pending.commit();
 }
 } // namespace

@@ -1,6 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // corvane-render: a sound file in, the same sound through Corvane Q7 out.
 #include "render/CommandLine.h"
+#include "render/FileConflicts.h"
+#include "render/ParameterDocs.h"
+#include "render/ParameterList.h"
+#include "render/ProcessorSetup.h"
 #include "render/ProgramNames.h"
 #include "render/ProgressLine.h"
 #include "render/RenderError.h"
@@ -47,12 +51,25 @@ void print (const std::string& text)
         throw RenderError (ExitStatus::output, "cannot write to the standard output");
 }
 
+void describeParameters (const CommandLine& line)
+{
+    const juce::ScopedJuceInitialiser_GUI framework;
+    CorvaneQ7AudioProcessor processor;
+
+    if (line.listParameters)
+        print (line.asJson ? ParameterList::json (processor) : ParameterList::plain (processor));
+    if (line.parameterDocsFile)
+        ParameterDocs::write (*line.parameterDocsFile, line.render.overwrite, processor);
+}
+
 void listAndDump (const CommandLine& line)
 {
     const auto overwrite = line.render.overwrite;
 
     if (line.listPrograms)
         print (ProgramNames::list());
+    if (line.listParameters || line.parameterDocsFile)
+        describeParameters (line);
     if (line.curvesFile)
         TableDump::writeCurves (*line.curvesFile, overwrite);
     if (line.controlLawFile)
@@ -82,12 +99,23 @@ void render (const CommandLine& line)
         print (summaryOf (result));
 }
 
+void saveSettings (const RenderOptions& options)
+{
+    refuseFileConflicts (options);
+    const juce::ScopedJuceInitialiser_GUI framework;
+    CorvaneQ7AudioProcessor processor;
+    const ProcessorSetup setup (options, processor);
+    SavedSettings (options, processor).commit();
+}
+
 void run (const CommandLine& line)
 {
     if (! line.notice.empty())
         print (line.notice);
     else if (line.rendersNothing())
         listAndDump (line);
+    else if (line.onlySavesSettings())
+        saveSettings (line.render);
     else
         render (line);
 }
