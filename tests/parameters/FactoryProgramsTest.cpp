@@ -347,6 +347,7 @@ class ProgramShield : public ::testing::Test
 protected:
     void restoredAgo (std::uint32_t milliseconds)
     {
+        processor.freshInstance = false;
         processor.lastStateRestoreMs = juce::Time::getMillisecondCounter() - milliseconds;
     }
 
