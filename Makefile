@@ -2,13 +2,15 @@
 # The everyday commands. All logic stands in CMake or in a script; `make demo` and `make test` are each enough on a
 # bare Debian 12 machine with `make`, since they install the packages that they need.
 
-.PHONY: help demo build test bench install format clean
+.PHONY: help demo build test bench fuzz tsan install format clean
 
 help:
 	@echo "make demo     build, render the demo loop through three programs, say where everything lies"
 	@echo "make build    optimised bundles and renderer, into build/release"
 	@echo "make test     all tests, optimised and under the sanitizers"
 	@echo "make bench    nanoseconds per frame of every stage and of the whole"
+	@echo "make fuzz     libFuzzer on the session reader, for a minute"
+	@echo "make tsan     the concurrency tests under the thread sanitizer"
 	@echo "make install  bundles and renderer into your own folders, or below PREFIX (and DESTDIR)"
 	@echo "make format   lay the sources out as .clang-format says"
 
@@ -26,6 +28,14 @@ test:
 bench:
 	@scripts/install-packages.sh build bench
 	@scripts/bench.sh
+
+fuzz:
+	@scripts/install-packages.sh build fuzz
+	@scripts/fuzz.sh
+
+tsan:
+	@scripts/install-packages.sh build test
+	@scripts/tsan.sh
 
 install:
 	@test -d build/release || { echo "Nothing is built yet: run 'make build' first."; exit 1; }

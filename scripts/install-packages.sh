@@ -1,14 +1,15 @@
 #!/bin/sh
 # SPDX-License-Identifier: GPL-3.0-or-later
 # Installs the Debian packages of the named groups that are missing, as root or through sudo, and says which.
-# Usage: install-packages.sh GROUP...   with the groups build, test, bench, format
+# Usage: install-packages.sh GROUP...   with the groups build, test, bench, fuzz, format
 set -eu
 
 packages_of() {
     case "$1" in
         build)  echo "build-essential cmake ninja-build pkg-config ccache python3 juce-modules-source juce-tools" \
-                     "libsndfile1-dev libebur128-dev libcli11-dev" ;;
+                     "libsndfile1-dev libebur128-dev libcli11-dev nlohmann-json3-dev" ;;
         test)   echo "libgtest-dev libgmock-dev lilv-utils sordi lv2-dev hydrogen-drumkits alsa-utils" ;;
+        fuzz)   echo "clang libclang-rt-14-dev" ;;
         bench)  echo "libbenchmark-dev" ;;
         format) echo "clang-format" ;;
         *)      echo "install-packages.sh: no group '$1'" >&2; exit 2 ;;
