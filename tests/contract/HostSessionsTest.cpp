@@ -44,6 +44,23 @@ void changeSettings (juce::AudioProcessor& processor)
     }
 }
 
+/** Hosts restore from wherever they load; the framework's VST3 host class waits for its message thread meanwhile. */
+void restoreOnAnotherThread (juce::AudioProcessor& processor, const juce::MemoryBlock& session)
+{
+    std::atomic<bool> restored { false };
+    std::thread loader (
+        [&]
+        {
+            processor.setStateInformation (session.getData(), static_cast<int> (session.getSize()));
+            restored = true;
+        });
+
+    while (! restored)
+        juce::dispatchNextMessageOnSystemQueue (true);
+
+    loader.join();
+}
+
 class SessionIn : public ::testing::TestWithParam<Format>
 {
 protected:
@@ -144,24 +161,48 @@ TEST_P (SessionIn, AStateFromAnotherThreadIsTaken)
 
     const auto other = another();
     other->prepareToPlay (rate, blockLength);
-
-    // Hosts restore from wherever they load; the framework's VST3 host class waits for its message thread meanwhile.
-    std::atomic<bool> restored { false };
-    std::thread loader (
-        [&]
-        {
-            other->setStateInformation (session.getData(), static_cast<int> (session.getSize()));
-            restored = true;
-        });
-
-    while (! restored)
-        juce::dispatchNextMessageOnSystemQueue (true);
-
-    loader.join();
+    restoreOnAnotherThread (*other, session);
 
     const auto output = run (*other, input);
     EXPECT_TRUE (Signals::allFinite (output));
     EXPECT_GT (output.getMagnitude (0, output.getNumSamples()), 0.01f);
+
+    juce::MemoryBlock again;
+    other->getStateInformation (again);
+    EXPECT_EQ (again, session);
+}
+
+TEST_P (SessionIn, AnOversampledSessionFromAnotherThreadTellsTheHostItsLatency)
+{
+    // The factor is no parameter: a user's default brings it into the first instance, its session into the second.
+    const auto settings = juce::File (std::getenv ("HOME")).getChildFile ("Corvane Plugins/Corvane Q7.settings");
+    settings.create();
+    settings.replaceWithText ("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n\n<PROPERTIES>\n"
+                              "  <VALUE name=\"Oversampling\" val=\"4\"/>\n</PROPERTIES>\n");
+    const auto oversampled = another();
+    settings.deleteFile();
+
+    oversampled->prepareToPlay (rate, blockLength);
+    run (*oversampled, Signals::silence (2, blockLength));
+    EXPECT_EQ (oversampled->getLatencySamples(), CorvaneQ7AudioProcessor::oversamplingLatency);
+    juce::MemoryBlock session;
+    oversampled->getStateInformation (session);
+
+    instance->prepareToPlay (rate, blockLength);
+    run (*instance, Signals::silence (2, blockLength));
+    ASSERT_EQ (instance->getLatencySamples(), 0);
+    restoreOnAnotherThread (*instance, session);
+
+    // The notice is posted to the host's message thread; LV2 shows it with the next block.
+    const auto deadline = juce::Time::getMillisecondCounter() + 5000;
+
+    while (instance->getLatencySamples() == 0 && juce::Time::getMillisecondCounter() < deadline)
+    {
+        run (*instance, Signals::silence (2, blockLength));
+        juce::dispatchNextMessageOnSystemQueue (true);
+    }
+
+    EXPECT_EQ (instance->getLatencySamples(), CorvaneQ7AudioProcessor::oversamplingLatency);
 }
 
 TEST_P (SessionIn, GarbageInASessionChangesNothing)
