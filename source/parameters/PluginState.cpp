@@ -4,6 +4,8 @@
 #include "parameters/NumberText.h"
 #include "parameters/ParameterTable.h"
 
+#include <string>
+
 namespace
 {
 constexpr auto tag = "CQ7SETTINGS";
@@ -51,10 +53,13 @@ std::unique_ptr<juce::XmlElement> parse (const void* data, int sizeInBytes)
 
     const auto available = juce::jmin (length, sizeInBytes - headerSize);
 
-    if (! isHarmless (bytes + headerSize, available))
+    // A copy with a zero behind it: the framework reads on where a text ends within a character.
+    const std::string text (bytes + headerSize, static_cast<std::size_t> (available));
+
+    if (! isHarmless (text.c_str(), available))
         return nullptr;
 
-    auto element = juce::parseXML (juce::String::fromUTF8 (bytes + headerSize, available));
+    auto element = juce::parseXML (juce::String::fromUTF8 (text.c_str(), available));
     return element != nullptr && element->getTagName() == tag ? std::move (element) : nullptr;
 }
 } // namespace

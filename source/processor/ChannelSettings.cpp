@@ -3,6 +3,8 @@
 
 #include "processor/Decibels.h"
 
+#include <algorithm>
+
 namespace
 {
 /** Master Gain, In Level and Out Level travel by their gain: it is the value that the audio path uses. */
@@ -16,8 +18,12 @@ void copyByGain (LinearSmoother& db, GeometricSmoother& linear, const GeometricS
 
 void ChannelSettings::setDecibels (LinearSmoother& db, GeometricSmoother& linear, double value) noexcept
 {
+    // In, Out and Master go beyond their ranges when a host sends them there; their gain must stay a number that the
+    // audio path can carry and a ramp can come back from.
+    constexpr double highestGain = 1.0e12; // 240 dB
+
     db.setTarget (value);
-    linear.setTarget (Decibels::toGain (value));
+    linear.setTarget (std::min (Decibels::toGain (value), highestGain));
 }
 
 ChannelSettings& ChannelSettings::operator= (const ChannelSettings& source) noexcept

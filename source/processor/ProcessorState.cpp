@@ -46,14 +46,14 @@ void CorvaneQ7AudioProcessor::restoreOptions (const PluginState::Reader& state)
 {
     userDefaults.reload();
 
-    const auto calibrationGain =
-        UserDefaults::calibrationGainFor (state.number ("Calibration").value_or (userDefaults.calibrationDb()));
+    const auto calibrationDb = state.number ("Calibration").value_or (userDefaults.calibrationDb());
+    const auto calibrationGain = UserDefaults::calibrationGainFor (calibrationDb);
 
-    // Levels are taken as they stand, but one that would carry samples out of the audio path's numbers (from about
-    // 240 dBu, or none at all) is no level.
+    // Levels are taken as they stand, but what is no number, or would carry samples out of the audio path's range (from
+    // 239 dBu), is no level.
     constexpr double highestGain = 1.0e12;
 
-    if (calibrationGain <= highestGain)
+    if (! std::isnan (calibrationDb) && calibrationGain <= highestGain)
     {
         activeSettings().calibrationGain = calibrationGain;
         applySettings();

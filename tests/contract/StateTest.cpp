@@ -889,3 +889,20 @@ TEST_F (State, IsNeverWrittenAsAPreset)
     restore (processor, with ({ { "IsPreset", "1" } }));
     EXPECT_EQ (std::string::npos, saved (processor).find ("IsPreset"));
 }
+
+TEST (StateOptions, ACalibrationThatIsNoNumberIsPassedOver)
+{
+    CorvaneQ7AudioProcessor processor;
+    processor.setCalibration (18.0);
+    const auto gain = processor.activeSettings().calibrationGain;
+
+    for (const auto* text : { "nan", "NaN", "inf", "1e400", "500" })
+    {
+        StateBlocks::restore (processor, StateBlocks::with ({ { "Calibration", text } }));
+        EXPECT_EQ (gain, processor.activeSettings().calibrationGain) << text;
+    }
+
+    // A level at which nothing is left, on the other hand, is one.
+    StateBlocks::restore (processor, StateBlocks::with ({ { "Calibration", "-100" } }));
+    EXPECT_EQ (0.0, processor.activeSettings().calibrationGain);
+}

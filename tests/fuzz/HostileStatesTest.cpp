@@ -189,6 +189,21 @@ TEST_F (HostileStates, BrokenTextIsSafe)
     EXPECT_TRUE (std::isfinite (record.mix)); // what was read of the broken elements is a matter of the reader
 }
 
+TEST_F (HostileStates, NothingBehindABlockIsRead)
+{
+    // A text that ends within a character, with no zero behind it, in memory of exactly its size: the address
+    // sanitizer sees any byte that is read beyond.
+    for (const std::string text : { "\xc3", "\xe2\x82", "\xf0\x9f\x8e", "<CQ7SETTINGS\xf0" })
+    {
+        const auto block = StateBlocks::raw (StateBlocks::magic, static_cast<std::uint32_t> (text.size()), text);
+        const std::unique_ptr<char[]> exact (new char[block.size()]);
+        std::copy (block.begin(), block.end(), exact.get());
+        processor.setStateInformation (exact.get(), static_cast<int> (block.size()));
+    }
+
+    EXPECT_TRUE (std::isfinite (record.mix));
+}
+
 TEST_F (HostileStates, LongNumbersAreSafe)
 {
     const std::string numbers[] = { std::string (60000, '9'),       "0." + std::string (60000, '9'),

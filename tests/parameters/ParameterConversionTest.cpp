@@ -200,6 +200,36 @@ TEST_P (ParameterConversion, HugeFiniteValuesAreNoAccident)
 INSTANTIATE_TEST_SUITE_P (All, ParameterConversion, ::testing::ValuesIn (Expected::parameters),
                           [] (const auto& row) { return std::string (row.param.identifier); });
 
+TEST (ParameterConversions, ALevelComesBackFromFarOutsideItsRange)
+{
+    for (const auto index : { 29, 36, 37 }) // Master Gain, In Level, Out Level
+    {
+        CorvaneQ7AudioProcessor processor;
+        processor.setRateAndBufferSizeDetails (48000.0, 512);
+        processor.setNoiseSource (NoiseSource::held());
+        processor.prepareToPlay (48000.0, 512);
+        const auto ordinary = processor.getParameterDefaultValue (index);
+        juce::AudioBuffer<float> buffer (2, 512);
+        juce::MidiBuffer midi;
+
+        for (const auto x : { 1.0e30f, ordinary })
+        {
+            processor.setParameter (index, x);
+
+            for (int block = 0; block < 20; ++block) // two ramps of 100 ms
+            {
+                buffer.clear();
+                processor.processBlock (buffer, midi);
+            }
+        }
+
+        EXPECT_NEAR (1.0, processor.activeSettings().masterGainLinear.current, 1.0e-6) << index;
+        EXPECT_NEAR (1.0, processor.activeSettings().inLevelLinear.current, 1.0e-6) << index;
+        EXPECT_NEAR (1.0, processor.activeSettings().outLevelLinear.current, 1.0e-6) << index;
+        EXPECT_TRUE (std::isfinite (buffer.getMagnitude (0, 512))) << index;
+    }
+}
+
 TEST (ParameterConversions, OfANewInstanceAreThoseOfTheDefaultProgram)
 {
     CorvaneQ7AudioProcessor processor;
