@@ -186,7 +186,7 @@ void BandCompressor::makeDetector (float* const* bandChannels, int numSamples) n
 
     if (midSideActive)
     {
-        // The ends of the control listen to the left and the right channel themselves, as the unit is wired.
+        // The ends of the control listen to the left and the right channel themselves: that is how the control works.
         const auto* left = bandChannels[0];
         const auto* right = bandChannels[1];
         const auto* leftShare = vector (midShareVector);

@@ -21,7 +21,7 @@
     Latency  none.
     Threads  prepare and release when stopped; process, idleAdvance and meterValue on audio; applyBandSettings,
              updateHighPass and setNiveau on any: they write plain fields and smoother targets, with no lock, and a
-             torn read costs at most one odd sample.
+             torn set of them lasts until the next change of a control.
     Errors   none reported; more samples than prepared for is a caller's fault, asserted in debug.
 */
 class BandCompressor
@@ -95,7 +95,7 @@ public:
     LinearSmoother dryRamp { 0.0 };                  // gain of the signal as it came
     LinearSmoother midSideRamp { 0.5 };
 
-    // The band's own copies of the record's values, to see what changed.
+    // The band's own copies of the record's values; hpfHz and niveau tell whether a filter has to change.
     double hpfHz = 20.0;
     bool nuke = false;
     bool niveau = true;

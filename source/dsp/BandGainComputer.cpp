@@ -7,7 +7,7 @@
 
 namespace
 {
-constexpr double fourDecibels = 1.5848931924611136; // gain of the unit's line amplifier
+constexpr double fourDecibels = 1.5848931924611136; // fixed gain behind the gain element
 constexpr double solverTolerance = 0.00000001;      // of the linear gain
 
 struct Voltages

@@ -74,8 +74,8 @@ public:
     std::vector<State> states; // one a channel
 
 protected:
-    /** Makes the states, lands every smoother, sizes the vectors. States of channels that stay are kept, as a tape
-        machine keeps its charge; one that is no longer finite is cleared, so that a restart heals it. */
+    /** Makes the states, lands every smoother, sizes the vectors. States of channels that stay are kept, so
+        that the sound goes on; one that is no longer finite is cleared, so that a restart heals it. */
     void prepareFor (const Coefficients& values, double newRate, int numChannels, int maxSamples)
     {
         states.resize (static_cast<std::size_t> (numChannels));

@@ -4,7 +4,8 @@
 /** One capacitor and the step of a backward-Euler charge through a resistor: T / (C R + T).
 
     Units    capacitance in farad, resistance in ohm, rate in Hz, T in seconds, voltage in volt.
-    Threads  coefficient keeps the last resistance and its result, so one section belongs to one thread at a time.
+    Threads  coefficient on any: it keeps the last resistance and its result with no lock, so when two threads ask at
+             the same time one may get the other's answer, which lasts until its next call.
 */
 struct RCSection
 {

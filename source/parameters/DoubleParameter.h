@@ -47,7 +47,7 @@ private:
     }
 };
 
-/** A frequency control: f = lowest * 10^(decades * x) in Hz, limited nowhere. Two texts, and the numbers behind them. */
+/** A frequency control: f = lowest * 10^(decades * x) in Hz, limited nowhere; with its text in whole Hz. */
 template <typename Infos>
 struct FrequencyScale
 {

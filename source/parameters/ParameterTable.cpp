@@ -26,11 +26,12 @@ public:
         add<Leaf> (finiteSteps);
     }
 
+    /** Enumerations and switches have steps in any case. */
     template <typename Leaf>
     void addStepped()
     {
         add<Leaf> (true);
-    } // enumerations and switches have steps in any case
+    }
 
     template <int b>
     void addBand()

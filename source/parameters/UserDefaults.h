@@ -9,7 +9,7 @@
 
     A file that is missing, unreadable or damaged reads as the defaults; reading never creates it.
 
-    Threads  message thread, or stopped; it reads a file.
+    Threads  any but audio: it reads and writes a file. The framework guards the file in memory.
 */
 class UserDefaults
 {
@@ -22,7 +22,7 @@ public:
     /** Factor 1 to 16. Anything else that the file holds, or nothing, reads as 1. */
     int oversampling();
 
-    /** Scale of the editor, limited to 0.7 to 1; 1 when the file holds nothing. */
+    /** Scale of the editor, limited to 0.7 to 1; 1 when the file holds none (a text reads as 0, so as 0.7). */
     double uiZoom();
 
     /** Reads the file anew: another instance may have saved in between. */
@@ -35,7 +35,7 @@ public:
     bool saveUiZoom (double zoom);
 
     /** Linear gain that puts a level in dBu of digital full scale at the circuit's fixed reference; 0 at -100 and
-        below. 1.1523716865 is the sample value there of a full-scale signal at 0 dBu. */
+        below. 1.1523716865 is the circuit value of a full-scale sample when full scale is set to 0 dBu. */
     static double calibrationGainFor (double calibrationDb) noexcept;
 
     /** The inverse, in whole dBu. */

@@ -145,14 +145,14 @@ public:
     juce::AudioBuffer<float> controlBuffer;                    // (channels + 5) x maxBlockSize
 
     UserDefaults userDefaults;
-    float uiZoom = 1.0f; // editor scale, 0.7 to 1
+    float uiZoom = 1.0f; // editor scale, usually 0.7 to 1; a session may hold any number
 
     int activeSlot = 0; // 0 is A, 1 is B
     ChannelSettings settingsSlots[2] { ChannelSettings (*this), ChannelSettings (*this) };
     juce::String programNames[FactoryPrograms::numPrograms];
     std::vector<ChannelSettings> programs; // fifteen
     int currentProgram = 0;
-    std::uint32_t lastStateRestoreMs = 0; // millisecond counter; 0 is "never"
+    std::uint32_t lastStateRestoreMs = 0; // millisecond counter at the last restore
     std::uint32_t (*millisecondCounter)() noexcept = juce::Time::getMillisecondCounter; // tests move it
 
     bool freshInstance = true;                    // until the first setStateInformation

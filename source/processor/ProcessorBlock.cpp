@@ -5,7 +5,7 @@
 
 namespace
 {
-constexpr float ceiling = 24.0f;   // the rails of the circuit, linear
+constexpr float ceiling = 24.0f;   // where the circuit clips, linear
 constexpr float nukeDrive = 10.0f; // into the transformer, 20 dB
 constexpr float nukeReturn = 0.1f;
 constexpr float noiseAmplitude = 4.0e-05f; // in circuit units
@@ -206,6 +206,11 @@ void CorvaneQ7AudioProcessor::splitBands (float* const* channels, int numSamples
 
     for (int c = 0; c < numChannels; ++c)
         VectorOps::copy (channels[c], low[c], numSamples);
+
+    // A buffer with fewer channels than the bus leaves the rest of the engine silence, not an older block.
+    for (int c = numChannels; c < builtChannels; ++c)
+        for (auto* band : { low[c], mid[c], high[c] })
+            VectorOps::clear (band, numSamples);
 
     lowSplit.process (low, numSamples);
 

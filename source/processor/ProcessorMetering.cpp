@@ -104,7 +104,7 @@ double CorvaneQ7AudioProcessor::deepestGainReductionDb() const noexcept
 
     const auto deepest =
         std::min ({ settings.lowGainReduction, settings.midGainReduction, settings.highGainReduction });
-    return std::min (0.0, Decibels::fromGain (deepest));
+    return std::isnan (deepest) ? 0.0 : std::min (0.0, Decibels::fromGain (deepest));
 }
 
 std::int32_t CorvaneQ7AudioProcessor::queryIEditController (const Steinberg::TUID interfaceId, void** object)

@@ -12,8 +12,8 @@ namespace NVX
 /** A chain of filters that gives a signal path a fixed frequency response.
 
     The double-precision filters (state-variable and one-pole) run first, in the order in which they
-    were added, then the biquads in theirs, whatever the order between the two kinds. The sum of the
-    responses does not depend on it, the roundings do.
+    were added, then the biquads in theirs, whatever the order between the two kinds. The response of
+    the chain does not depend on it, its roundings do.
 
     Shape    one channel of n samples, in place, float. An empty chain changes nothing.
     Rate     that of its filters, in Hz; see there for the limits of a frequency.
