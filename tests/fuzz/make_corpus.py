@@ -68,6 +68,7 @@ def seeds():
     yield "oversampling-text", around(element(Oversampling=" 8x"))
     yield "oversampling-beyond", around(element(Oversampling="2000000000"))
     yield "oversampling-negative", around(element(Oversampling="-3", UIZoom="1e30"))
+    yield "text-not-utf8", raw(MAGIC, 14, b"<CQ7SET" + b"\xca" * 15 + b"TINGS/>\0")
     yield "utf8-broken", around(b'<CQ7SETTINGS Mix="0.5\xff\xfe\xc3" \xf0\x9f="1"/>')
 
 
