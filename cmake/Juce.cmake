@@ -8,8 +8,14 @@ if (NOT JUCE_FOUND)
     include (FetchContent)
     FetchContent_Declare (JUCE
         GIT_REPOSITORY https://github.com/juce-framework/JUCE.git
-        GIT_TAG 7.0.5)
-    FetchContent_MakeAvailable (JUCE)
+        GIT_TAG 69795dc8e589a9eb5df251b6dd994859bf7b3fab)   # the tag 7.0.5
+    FetchContent_GetProperties (JUCE)
+
+    # Added by hand, to leave its own install rules out: ours ship our files alone.
+    if (NOT juce_POPULATED)
+        FetchContent_Populate (JUCE)
+        add_subdirectory ("${juce_SOURCE_DIR}" "${juce_BINARY_DIR}" EXCLUDE_FROM_ALL)
+    endif()
 endif()
 
 add_library (corvane_juce STATIC)
