@@ -1,0 +1,35 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
+"""Where things stand on the front, in base pixels: the layout file's rectangles, and the few places that only drawings use."""
+import json
+import pathlib
+
+BANDS = (("Low", "LOW", 0), ("Mid", "MID", 450), ("High", "HIGH", 900))
+STRIP_WIDTH = 450
+STRIP_TOP, STRIP_BOTTOM = 3, 508
+MASTER_TOP, MASTER_BOTTOM = 513, 672
+SEAM = 3  # half the width of the gap between two plates
+
+HEADER_Y = 33  # middle of the bands' names
+
+# Engraved rules between the groups of the master plate.
+RULES = (241, 384, 516, 834, 966, 1132, 1214)
+RULE_TOP, RULE_BOTTOM = 531, 655
+
+SCREW = 15.5  # of a plate's screws, from its corner in both directions
+BADGE = (28, 553, 227, 631)
+GRILLE = (1146, 546, 1200, 640)
+SWITCH_X = 1279
+
+
+class Layout:
+    def __init__(self, path):
+        data = json.loads(pathlib.Path(path).read_text())
+        self.width, self.height = data["panel"]["width"], data["panel"]["height"]
+        self.knobs = data["knobs"]
+        self.rectangles = {r["name"]: (r["x"], r["y"], r["w"], r["h"]) for r in data["rectangles"]}
+        self.meter = data["meter"]
+
+    def named(self, *parts):
+        """Rectangles whose name holds all these parts, from left to right."""
+        found = [r for name, r in self.rectangles.items() if all(p.lower() in name.lower() for p in parts)]
+        return sorted(found)
