@@ -103,6 +103,24 @@ bool CorvaneQ7AudioProcessor::isMetaParameter (int index) const
     return parameter != nullptr && parameter->isMetaParameter();
 }
 
+bool CorvaneQ7AudioProcessor::isParameterOrientationInverted (int index) const
+{
+    const auto* parameter = getParameters()[index];
+    return parameter != nullptr && parameter->isOrientationInverted();
+}
+
+void CorvaneQ7AudioProcessor::beginParameterChangeGesture (int index)
+{
+    if (auto* parameter = getParameters()[index])
+        parameter->beginChangeGesture();
+}
+
+void CorvaneQ7AudioProcessor::endParameterChangeGesture (int index)
+{
+    if (auto* parameter = getParameters()[index])
+        parameter->endChangeGesture();
+}
+
 void CorvaneQ7AudioProcessor::setParameter (int index, float newValue)
 {
     if (auto* parameter = getParameters()[index])

@@ -79,6 +79,11 @@ public:
     float getParameterDefaultValue (int index) override;
     int getParameterNumSteps (int index) override;
     bool isMetaParameter (int index) const override;
+    bool isParameterOrientationInverted (int index) const override;
+
+    /** What a user's hand on a control opens and closes, for hosts that record automation. Message thread. */
+    void beginParameterChangeGesture (int index);
+    void endParameterChangeGesture (int index);
 
     /** Calls the object's setValue, which applies the settings; an index without an object applies them alone. */
     void setParameter (int index, float newValue) override;

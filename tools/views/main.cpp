@@ -1,0 +1,71 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// corvane-views: pictures of the editor, and the geometry for the artwork.
+#include "editor/ScaleMarks.h"
+#include "views/EditorViews.h"
+
+#include <CLI/CLI.hpp>
+#include <juce_gui_basics/juce_gui_basics.h>
+
+#include <iostream>
+#include <string>
+
+namespace
+{
+juce::File inWorkingDirectory (const std::string& path)
+{
+    return juce::File::getCurrentWorkingDirectory().getChildFile (juce::String::fromUTF8 (path.c_str()));
+}
+
+bool writePng (const juce::Image& image, const juce::File& file)
+{
+    file.deleteFile();
+    juce::FileOutputStream stream (file);
+    return stream.openedOk() && juce::PNGImageFormat().writeImageToStream (image, stream);
+}
+} // namespace
+
+int main (int argc, char** argv)
+{
+    CLI::App app { "Pictures of the Corvane Q7 editor, painted without a screen." };
+    std::string folder, geometry;
+    float scale = 1.0f;
+    app.add_option ("--out", folder, "write one PNG a view into this folder");
+    app.add_option ("--pixel-scale", scale, "pixels for each of the editor's: 2 is a HiDPI screen")
+        ->check (CLI::Range (0.5f, 4.0f));
+    app.add_option ("--geometry", geometry, "write places and scale marks of all controls, for the artwork, as JSON");
+    CLI11_PARSE (app, argc, argv);
+
+    const juce::ScopedJuceInitialiser_GUI framework;
+
+    if (! geometry.empty())
+    {
+        CorvaneQ7AudioProcessor processor;
+
+        if (! inWorkingDirectory (geometry).replaceWithText (ScaleMarks::toJson (processor), false, false, "\n"))
+        {
+            std::cerr << "cannot write " << geometry << '\n';
+            return 1;
+        }
+    }
+
+    if (! folder.empty())
+    {
+        const auto target = inWorkingDirectory (folder);
+        target.createDirectory();
+
+        for (const auto& view : EditorViews::all())
+        {
+            const auto file = target.getChildFile (view.name + ".png");
+
+            if (! writePng (EditorViews::paint (view, scale), file))
+            {
+                std::cerr << "cannot write " << file.getFullPathName() << '\n';
+                return 1;
+            }
+
+            std::cout << file.getFullPathName() << '\n';
+        }
+    }
+
+    return 0;
+}
