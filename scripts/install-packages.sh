@@ -8,7 +8,8 @@ packages_of() {
     case "$1" in
         build)  echo "build-essential cmake ninja-build pkg-config ccache python3 juce-modules-source juce-tools" \
                      "libsndfile1-dev libebur128-dev libcli11-dev nlohmann-json3-dev" ;;
-        test)   echo "libgtest-dev libgmock-dev lilv-utils sordi lv2-dev hydrogen-drumkits alsa-utils" ;;
+        test)   echo "libgtest-dev libgmock-dev lilv-utils sordi lv2-dev hydrogen-drumkits alsa-utils" \
+                     "xvfb xdotool x11-utils openbox fonts-liberation" ;;
         fuzz)   echo "clang libclang-rt-14-dev" ;;
         bench)  echo "libbenchmark-dev" ;;
         format) echo "clang-format" ;;

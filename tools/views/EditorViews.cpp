@@ -106,16 +106,16 @@ std::vector<View> all()
     views.push_back ({ "about-70", 0.7f, 2, nothing, [] (CorvaneQ7Editor& editor) { editor.openDialog (0); } });
     views.push_back ({ "menu-settings", 1.0f, 2, nothing, [] (CorvaneQ7Editor& editor) {
                           showMenu (editor, editor.toolbar->settingsMenu(), editor.toolbar->settingsButton);
-                      } });
+                      }, true });
     views.push_back (
-        { "menu-calibration", 1.0f, 2, nothing, [] (CorvaneQ7Editor& editor) { showSettingsSubmenu (editor, 0); } });
+        { "menu-calibration", 1.0f, 2, nothing, [] (CorvaneQ7Editor& editor) { showSettingsSubmenu (editor, 0); }, true });
     views.push_back (
-        { "menu-oversampling", 1.0f, 2, nothing, [] (CorvaneQ7Editor& editor) { showSettingsSubmenu (editor, 1); } });
+        { "menu-oversampling", 1.0f, 2, nothing, [] (CorvaneQ7Editor& editor) { showSettingsSubmenu (editor, 1); }, true });
     views.push_back (
-        { "menu-zoom", 0.7f, 2, nothing, [] (CorvaneQ7Editor& editor) { showSettingsSubmenu (editor, 2); } });
+        { "menu-zoom", 0.7f, 2, nothing, [] (CorvaneQ7Editor& editor) { showSettingsSubmenu (editor, 2); }, true });
     views.push_back ({ "menu-links", 1.0f, 2, nothing, [] (CorvaneQ7Editor& editor) {
                           showMenu (editor, editor.bar->linksMenu(), *editor.bar->menuButton);
-                      } });
+                      }, true });
 
     return views;
 }

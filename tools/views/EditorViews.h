@@ -25,6 +25,7 @@ struct View
     int channels;
     std::function<void (CorvaneQ7AudioProcessor&)> prepare;
     std::function<void (CorvaneQ7Editor&)> arrange;
+    bool needsScreen = false; // the framework places menus on a display: without one they cannot be shown
 };
 
 std::vector<View> all();
