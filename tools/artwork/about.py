@@ -42,8 +42,8 @@ def background():
     about_marks.corvane_mark(layer.context, 366 * S, 176 * S, 66 * S)
     layer.context.fill()
     mask = layer.coverage(0.8)
-    relief.z -= 2.0 * ndimage.gaussian_filter(mask, 1.5)
-    relief.albedo *= (1.0 - 0.16 * mask)[..., None]
+    relief.z -= 0.9 * ndimage.gaussian_filter(mask, 2.5)
+    relief.albedo *= (1.0 - 0.13 * mask)[..., None]
     x = np.linspace(0.0, 1.0, width, dtype=np.float32)[None, :]
     y = np.linspace(0.0, 1.0, height, dtype=np.float32)[:, None]
     spread = 0.62 + 0.55 * np.exp(-((x - 0.32) ** 2) / 0.5 - (y**2) / 0.7)

@@ -129,6 +129,32 @@ def corvane_word_width(height, weight=0.155, gap=0.34):
     return corvane_word(c, 0, 0, height, weight, gap)
 
 
+def q7(c, x, y, height, weight=0.155):
+    """Strokes the model's name in the wordmark's manner, its left edge at x; returns its width."""
+    h, s = height, height * weight
+    top, bottom = y - h / 2.0, y + h / 2.0
+    c.set_line_width(s)
+    c.set_line_cap(cairo.LINE_CAP_BUTT)
+    c.set_line_join(cairo.LINE_JOIN_MITER)
+    c.new_path()
+    c.arc(x + h / 2.0, y, h / 2.0 - s / 2.0, 0, 2 * math.pi)
+    c.close_path()
+    c.stroke()
+    c.move_to(x + h * 0.58, y + h * 0.16)
+    c.line_to(x + h * 0.98, y + h * 0.53)
+    c.stroke()
+    left, width = x + h * 1.16, h * 0.66
+    c.save()
+    c.rectangle(left - 1, top - 1, width + 2, h + 1)
+    c.clip()
+    c.move_to(left, top + s / 2)
+    c.line_to(left + width - s * 0.72, top + s / 2)
+    c.line_to(left + width * 0.30, bottom + s)
+    c.stroke()
+    c.restore()
+    return h * 1.16 + width
+
+
 def harbor_mark(c, cx, cy, radius):
     """Strokes and fills the seal in the caller's source."""
     s = radius * 0.13

@@ -27,5 +27,5 @@ def studio_light(height, width):
     """How the soft box lights the front: most above the middle left, less downwards and to the sides."""
     x = np.linspace(0.0, 1.0, width, dtype=np.float32)[None, :]
     y = np.linspace(0.0, 1.0, height, dtype=np.float32)[:, None]
-    pool = np.exp(-((x - 0.40) ** 2) / 0.30 - ((y + 0.05) ** 2) / 1.1)
-    return 0.72 + 0.48 * pool
+    pool = np.exp(-((x - 0.40) ** 2) / 0.24 - ((y + 0.10) ** 2) / 0.85)
+    return 0.66 + 0.66 * pool

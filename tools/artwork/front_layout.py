@@ -16,7 +16,7 @@ RULES = (241, 384, 516, 834, 966, 1132, 1214)
 RULE_TOP, RULE_BOTTOM = 531, 655
 
 SCREW = 15.5  # of a plate's screws, from its corner in both directions
-BADGE = (28, 553, 227, 631)
+BADGE = (30, 546, 226, 639)
 GRILLE = (1146, 546, 1200, 640)
 SWITCH_X = 1279
 
@@ -29,7 +29,6 @@ class Layout:
         self.rectangles = {r["name"]: (r["x"], r["y"], r["w"], r["h"]) for r in data["rectangles"]}
         self.meter = data["meter"]
 
-    def named(self, *parts):
-        """Rectangles whose name holds all these parts, from left to right."""
-        found = [r for name, r in self.rectangles.items() if all(p.lower() in name.lower() for p in parts)]
-        return sorted(found)
+    def ending(self, end):
+        """Rectangles of the controls whose names end so, from left to right."""
+        return sorted(r for name, r in self.rectangles.items() if name.endswith(end))

@@ -37,7 +37,7 @@ def scale(meter):
     u, v = X / width - 0.5, Y / height
     glow = 0.50 * np.exp(-(u**2) / 0.42 - (v - 0.30) ** 2 / 0.10) + 0.50 * np.exp(-(u**2) / 0.42 - (v - 0.72) ** 2 / 0.10)
     rim = -rounded_box(X, Y, 0, 0, width, height, 6.0)
-    glow = (0.40 + 0.78 * glow) * (0.55 + 0.45 * smoothstep(0.0, 26.0, rim))
+    glow = (0.46 + 0.94 * glow) * (0.55 + 0.45 * smoothstep(0.0, 26.0, rim))
     fibre = ndimage.gaussian_filter(np.random.default_rng(0x9A9E).standard_normal((height, width)), 1.4)
     glow *= 1.0 + 0.012 * fibre / fibre.std()
     # Less light is also warmer light.
@@ -98,7 +98,7 @@ def glass(meter):
     field = smoothstep(34.0, -34.0, (Y - 0.40 * height) + 0.95 * (X - 0.5 * width))
     fade = np.clip(1.0 - 0.75 * Y / height, 0.0, 1.0)
     side = smoothstep(3.0, 10.0, edge)
-    shine = 0.135 * field * fade * side
+    shine = 0.085 * field * fade * side
     # A thin catch-light on the lower bevel of the pane.
     lip = 0.20 * np.exp(-(((height - Y) - 4.0) / 1.8) ** 2) * smoothstep(4.0, 14.0, np.minimum(X, width - X))
     shine = np.maximum(shine, lip)

@@ -34,12 +34,12 @@ def build(layout):
     for x in RULES:
         groove(relief, x, RULE_TOP, RULE_BOTTOM)
 
-    for x, y, w, h in layout.named("MeterScale"):
+    for x, y, w, h in layout.ending("Meter"):
         meter_frame(relief, x, y, w, h)
-    for x, y, w, h in layout.named("Readout"):
-        window(relief, x, y + 2, w, h - 4, rim=2.5, radius=3.0, colour=(0x09, 0x0A, 0x0B))
-    for x, y, w, h in layout.named("XOverDigits"):
-        window(relief, x, y, w, h, rim=3.5, radius=3.0, colour=(0x0E, 0x03, 0x03))
+    for x, y, w, h in layout.ending("Readout"):
+        window(relief, x, y + 3, w, h - 6, rim=2.0, radius=2.5, colour=(0x09, 0x0A, 0x0B))
+    for x, y, w, h in layout.ending("Digits"):
+        window(relief, x, y, w, h, rim=3.0, radius=3.0, colour=(0x0E, 0x03, 0x03))
 
     turns = np.random.default_rng(0x5C2E).uniform(0.0, math.pi / 3.0, 16)
     for (x, y), turn in zip(screw_places(layout), turns):
@@ -50,13 +50,16 @@ def build(layout):
 
 
 def brushed(relief):
-    """A fine horizontal brush for the whole front, 1 on average."""
+    """A fine horizontal brush for the whole front, 1 on average: short strokes over long ones."""
     random = np.random.default_rng(0xB205)
-    fine = random.standard_normal((relief.height, relief.width // 4)).astype(np.float32)
-    fine = ndimage.gaussian_filter(fine, (1.1, 22.0), mode="wrap")
-    fine = np.repeat(fine / fine.std(), 4, axis=1)
-    fine = ndimage.uniform_filter1d(fine, 9, axis=1)
-    return 1.0 + 0.042 * np.clip(fine, -2.5, 2.5)
+    texture = np.zeros((relief.height, relief.width), np.float32)
+    for step, sigma, strength in ((8, (0.75, 12.0), 0.020), (4, (1.3, 11.0), 0.014)):
+        coarse = random.standard_normal((relief.height, relief.width // step + 2)).astype(np.float32)
+        coarse = ndimage.gaussian_filter(coarse, sigma, mode="wrap")
+        strokes = np.repeat(coarse / coarse.std(), step, axis=1)
+        strokes = ndimage.uniform_filter1d(strokes, 2 * step + 1, axis=1)[:, : relief.width]
+        texture += strength * np.clip(strokes, -2.5, 2.5)
+    return 1.0 + texture
 
 
 def plate(relief, x0, y0, x1, y1, colour):
@@ -80,6 +83,8 @@ def meter_frame(relief, x, y, w, h):
     d = rounded_box(X, Y, x0 + 2, y0 + 2, x1 - 2, y1 - 2, 3.0)
     # An inner slope leads down to the glass.
     slope = smoothstep(4.5 * S, 0.0, d)
+    # The paper's light spills onto that slope.
+    relief.glow[where] += (0.075 * slope**2 * (d > 0))[..., None] * to_linear((0xF6, 0xC8, 0x86))
     relief.z[where] -= 10.0 * slope * (d > 0)
     mask = cover(d)
     relief.lift(where, mask, -6.0)
@@ -105,7 +110,7 @@ def screw_places(layout):
 
 def screw(relief, x, y, turn):
     """A socket screw of turned steel, sunk into a counterbore."""
-    cx, cy, head = x * S, y * S, 6.2 * S
+    cx, cy, head = x * S, y * S, 6.5 * S
     where, X, Y = relief.window(cx - head - 10, cy - head - 10, cx + head + 10, cy + head + 10)
     r = np.hypot(X - cx, Y - cy)
     # Counterbore with a broken rim.
@@ -118,7 +123,7 @@ def screw(relief, x, y, turn):
     inside = np.clip((head - r) / 4.0, 0.0, 1.0)
     z = top - 4.0 * (1.0 - np.sqrt(np.clip(1.0 - (1.0 - inside) ** 2, 0.0, 1.0)))
     relief.lift(where, cover(r - head), z)
-    steel = np.array([0x6A, 0x6B, 0x6D], np.float32)
+    steel = np.array([0x80, 0x81, 0x83], np.float32)
     # Turning marks run around, so the light lies in two opposite sectors, as on a record.
     light = unit(style.LIGHT)
     along = np.arctan2(Y - cy, X - cx) - math.atan2(light[1], light[0])
@@ -158,16 +163,25 @@ def badge(relief):
 
 
 def draw_badge(c, x0, y0, x1, y1):
-    """Coverage of the raised brass."""
+    """Coverage of the raised brass: mark and wordmark, a rule, the model's name."""
     c.set_source_rgba(1, 1, 1, 1)
-    mid = (y0 + y1) / 2.0
-    about_marks.corvane_mark(c, x0 + 62, mid, 34)
+    first, second, right = badge_columns(x0, x1)
+    rows = badge_rows(y0, y1)
+    about_marks.corvane_mark(c, first - 3, rows[0] + 2, 33)
     c.fill()
-    left = x0 + 124
-    height = 35.0
-    right = x1 - 32
-    gap = 0.34
-    # The wordmark fills the space that is left.
-    while about_marks.corvane_word_width(height, gap=gap) < right - left and gap < 0.6:
-        gap += 0.01
-    about_marks.corvane_word(c, left, mid - 18, height, gap=gap)
+    height, gap = 33.0, 0.20
+    while about_marks.corvane_word_width(height, gap=gap) < right - second:
+        gap += 0.002
+    about_marks.corvane_word(c, second, rows[0], height, gap=gap)
+    c.rectangle(x0 + 30, (y0 + y1) / 2 + 15, x1 - x0 - 60, 3)
+    c.fill()
+    about_marks.q7(c, first - 35, rows[1], 38.0)
+
+
+def badge_columns(x0, x1):
+    """Middle of the marks' column, left and right edge of the words' column."""
+    return x0 + 68, x0 + 130, x1 - 32
+
+
+def badge_rows(y0, y1):
+    return y0 + 65, y1 - 41

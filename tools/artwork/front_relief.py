@@ -64,6 +64,7 @@ class Relief:
         self.albedo = np.empty((height, width, 3), np.float32)
         self.albedo[:] = to_linear(colour)
         self.gloss = np.full((height, width), 0.10, np.float32)
+        self.glow = np.zeros((height, width, 3), np.float32)  # light that does not come from the lamp above
 
     def window(self, x0, y0, x1, y1):
         """Slices of a rectangle, kept inside the bitmap, and the pixel centres in it."""
@@ -144,4 +145,4 @@ class Relief:
         picture = self.albedo * lit[..., None]
         shine = self.gloss * np.clip(gleam, 0.0, None) * shadow * ao
         picture += shine[..., None] * np.array([1.0, 0.985, 0.955], np.float32)
-        return np.clip(picture, 0.0, None)
+        return np.clip(picture + self.glow, 0.0, None)
