@@ -2,13 +2,14 @@
 # The everyday commands. All logic stands in CMake or in a script; `make demo` and `make test` are each enough on a
 # bare Debian 12 machine with `make`, since they install the packages that they need.
 
-.PHONY: help demo build test bench fuzz tsan install format clean
+.PHONY: help demo build test bench artwork fuzz tsan install format clean
 
 help:
 	@echo "make demo     build, render the demo loop through three programs, say where everything lies"
 	@echo "make build    optimised bundles and renderer, into build/release"
 	@echo "make test     all tests, optimised and under the sanitizers"
 	@echo "make bench    nanoseconds per frame of every stage and of the whole"
+	@echo "make artwork  every bitmap of the editor and its font, from their sources"
 	@echo "make fuzz     libFuzzer on the session reader, for a minute"
 	@echo "make tsan     the concurrency tests under the thread sanitizer"
 	@echo "make install  bundles and renderer into your own folders, or below PREFIX (and DESTDIR)"
@@ -28,6 +29,10 @@ test:
 bench:
 	@scripts/install-packages.sh build bench
 	@scripts/bench.sh
+
+artwork:
+	@scripts/install-packages.sh build artwork
+	@scripts/artwork.sh
 
 fuzz:
 	@scripts/install-packages.sh build fuzz

@@ -1,7 +1,7 @@
 #!/bin/sh
 # SPDX-License-Identifier: GPL-3.0-or-later
 # Installs the Debian packages of the named groups that are missing, as root or through sudo, and says which.
-# Usage: install-packages.sh GROUP...   with the groups build, test, bench, fuzz, format
+# Usage: install-packages.sh GROUP...   with the groups build, test, bench, artwork, fuzz, format
 set -eu
 
 packages_of() {
@@ -12,6 +12,8 @@ packages_of() {
                      "xvfb xdotool x11-utils openbox fonts-liberation" ;;
         fuzz)   echo "clang libclang-rt-14-dev" ;;
         bench)  echo "libbenchmark-dev" ;;
+        artwork) echo "povray povray-includes python3-cairo python3-fontforge python3-numpy python3-pil python3-scipy" \
+                      "fonts-urw-base35 optipng" ;;
         format) echo "clang-format" ;;
         *)      echo "install-packages.sh: no group '$1'" >&2; exit 2 ;;
     esac
