@@ -155,6 +155,10 @@ def q7(c, x, y, height, weight=0.155):
     return h * 1.16 + width
 
 
+def q7_width(height, weight=0.155):
+    return q7(cairo.Context(cairo.ImageSurface(cairo.FORMAT_A8, 8, 8)), 0, 0, height, weight)
+
+
 def harbor_mark(c, cx, cy, radius):
     """Strokes and fills the seal in the caller's source."""
     s = radius * 0.13

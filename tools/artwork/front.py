@@ -28,4 +28,6 @@ def studio_light(height, width):
     x = np.linspace(0.0, 1.0, width, dtype=np.float32)[None, :]
     y = np.linspace(0.0, 1.0, height, dtype=np.float32)[:, None]
     pool = np.exp(-((x - 0.40) ** 2) / 0.24 - ((y + 0.10) ** 2) / 0.85)
-    return 0.66 + 0.66 * pool
+    # A brushed plate throws the box's image across its brush, as an upright pale band.
+    sheen = np.exp(-((x - 0.33) ** 2) / 0.022) * np.exp(-(y**2) / 0.5)
+    return 0.66 + 0.62 * pool + 0.16 * sheen

@@ -12,12 +12,12 @@ SEAM = 3  # half the width of the gap between two plates
 HEADER_Y = 33  # middle of the bands' names
 
 # Engraved rules between the groups of the master plate.
-RULES = (241, 384, 516, 834, 966, 1132, 1214)
+RULES = (236, 372, 528, 822, 978, 1120, 1214)
 RULE_TOP, RULE_BOTTOM = 531, 655
 
 SCREW = 15.5  # of a plate's screws, from its corner in both directions
-BADGE = (30, 546, 226, 639)
-GRILLE = (1146, 546, 1200, 640)
+BADGE = (22, 546, 218, 639)
+GRILLE = (1137, 546, 1197, 639)
 SWITCH_X = 1279
 
 

@@ -63,7 +63,7 @@ def brushed(relief):
 
 
 def plate(relief, x0, y0, x1, y1, colour):
-    relief.box(x0 * S, y0 * S, x1 * S, y1 * S, radius=4.5 * S, top=0.0, edge=5.0, colour=colour, gloss=0.16)
+    relief.box(x0 * S, y0 * S, x1 * S, y1 * S, radius=4.5 * S, top=0.0, edge=5.5, colour=colour, gloss=0.26)
 
 
 def groove(relief, x, y0, y1):
@@ -163,25 +163,25 @@ def badge(relief):
 
 
 def draw_badge(c, x0, y0, x1, y1):
-    """Coverage of the raised brass: mark and wordmark, a rule, the model's name."""
+    """Coverage of the raised brass: mark and wordmark, a rule, and the model's name below on the right."""
     c.set_source_rgba(1, 1, 1, 1)
-    first, second, right = badge_columns(x0, x1)
+    left, right = badge_margins(x0, x1)
     rows = badge_rows(y0, y1)
-    about_marks.corvane_mark(c, first - 3, rows[0] + 2, 33)
+    about_marks.corvane_mark(c, left + 33, rows[0] + 2, 33)
     c.fill()
-    height, gap = 33.0, 0.20
-    while about_marks.corvane_word_width(height, gap=gap) < right - second:
+    word, height, gap = left + 98, 33.0, 0.20
+    while about_marks.corvane_word_width(height, gap=gap) < right - word:
         gap += 0.002
-    about_marks.corvane_word(c, second, rows[0], height, gap=gap)
-    c.rectangle(x0 + 30, (y0 + y1) / 2 + 15, x1 - x0 - 60, 3)
+    about_marks.corvane_word(c, word, rows[0], height, gap=gap)
+    c.rectangle(left, (rows[0] + rows[1]) / 2 + 2, right - left, 3)
     c.fill()
-    about_marks.q7(c, first - 35, rows[1], 38.0)
+    about_marks.q7(c, right - about_marks.q7_width(40.0), rows[1], 40.0)
 
 
-def badge_columns(x0, x1):
-    """Middle of the marks' column, left and right edge of the words' column."""
-    return x0 + 68, x0 + 130, x1 - 32
+def badge_margins(x0, x1):
+    return x0 + 32, x1 - 32
 
 
 def badge_rows(y0, y1):
-    return y0 + 65, y1 - 41
+    """Middles of the two rows."""
+    return y0 + 62, y1 - 45

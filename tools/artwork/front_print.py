@@ -8,7 +8,7 @@ import math
 import front_clearance
 import lettering
 import style
-from front_plates import badge_columns, badge_rows
+from front_plates import badge_margins, badge_rows
 from front_layout import BADGE, BANDS, HEADER_Y, STRIP_WIDTH, SWITCH_X
 
 S = style.SCALE
@@ -123,8 +123,9 @@ def switch(paint, layout):
 def badge(paint):
     """What stands in paint on the badge, beside the model's name and as high."""
     x0, y0, x1, y1 = (v * S for v in BADGE)
-    _, left, right = badge_columns(x0, x1)
+    left, _ = badge_margins(x0, x1)
     middle = badge_rows(y0, y1)[1]
-    for text, dy in (("THREE BAND", -11.5), ("COMPRESSOR", 11.5)):
-        spacing = lettering.spacing_to_fit(text, 15.0, right - left, widest=0.9)
-        paint.text(text, left, middle + dy, 15.0, spacing, style.LEGEND_QUIET, align=0.0)
+    cap, dy = 15.5, 12.2
+    width = lettering.width("COMPRESSOR", cap, 0.17)
+    for text, y in (("THREE BAND", middle - dy), ("COMPRESSOR", middle + dy)):
+        paint.text(text, left, y, cap, lettering.spacing_to_fit(text, cap, width), style.LEGEND_QUIET, align=0.0)

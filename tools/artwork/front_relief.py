@@ -88,7 +88,8 @@ class Relief:
         d = rounded_box(X, Y, x0, y0, x1, y1, radius)
         mask = cover(d)
         self.lift(where, mask, top - rounding(-d, edge))
-        self.paint(where, mask, colour, gloss)
+        # A little wider than the body, for the edge's gleam reaches out by the width of the smoothing.
+        self.paint(where, cover(d - 1.3), colour, gloss)
 
     def pit(self, x0, y0, x1, y1, radius, floor, edge, colour=None, gloss=None):
         """A milled pocket whose floor lies at `floor`; its rim is broken by `edge`."""
