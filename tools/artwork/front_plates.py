@@ -146,6 +146,10 @@ def grille(relief):
     for i in range(number):
         left = x0 + i * step
         relief.pit(left, y0, left + slot, y1, slot / 2, floor=-15.0, edge=2.5, colour=(0x05, 0x05, 0x06), gloss=0.0)
+    # Far behind them the heaters glow.
+    where, X, Y = relief.window(x0, y0, x1, y1)
+    ember = np.exp(-(((X - (x0 + x1) / 2) / 46.0) ** 2) - ((Y - y0 - 0.62 * (y1 - y0)) / 44.0) ** 2)
+    relief.glow[where] += (0.030 * ember * (relief.z[where] < -9.0))[..., None] * to_linear((0xFF, 0x96, 0x40))
 
 
 def badge(relief):
