@@ -1,11 +1,10 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""The About box: about-background.png, about-brand.png and about-distributor.png. Texts stand over them, drawn by the program.
+"""The About box: about-background.png, about-brand.png and about-distributor.png. The program writes its texts over them.
 
 Needs python3-cairo, python3-numpy, python3-scipy, python3-pil and fonts-urw-base35.
 """
 import pathlib
 
-import cairo
 import numpy as np
 from scipy import ndimage
 
@@ -14,7 +13,7 @@ import front_plates
 import front_png
 import lettering
 import style
-from front_relief import Relief, cover, rounded_box, smoothstep, to_srgb
+from front_relief import Relief, to_srgb
 
 S = style.SCALE
 
@@ -34,8 +33,8 @@ def background():
     # The program clips to a radius of 20; the plate's edge follows it.
     relief.box(2.5, 2.5, width - 2.5, height - 2.5, 19 * S, top=0.0, edge=7.0, colour=(0x1B, 0x1D, 0x20), gloss=0.14)
     relief.albedo *= front_plates.brushed(relief)[..., None]
-    groove(relief, 155 * S, 24 * S, 155 * S, 250 * S)
-    groove(relief, 24 * S, 264 * S, 426 * S, 264 * S)
+    front_plates.groove(relief, 155 * S, 24 * S, 155 * S, 250 * S)
+    front_plates.groove(relief, 24 * S, 264 * S, 426 * S, 264 * S)
     # The mark, pressed faintly into the metal.
     layer = lettering.Layer(width, height)
     layer.context.set_source_rgba(1, 1, 1, 1)
@@ -48,13 +47,6 @@ def background():
     y = np.linspace(0.0, 1.0, height, dtype=np.float32)[:, None]
     spread = 0.62 + 0.55 * np.exp(-((x - 0.32) ** 2) / 0.5 - (y**2) / 0.7)
     return to_srgb(relief.shade(spread))
-
-
-def groove(relief, x0, y0, x1, y1):
-    where, X, Y = relief.window(min(x0, x1) - 8, min(y0, y1) - 8, max(x0, x1) + 8, max(y0, y1) + 8)
-    d = rounded_box(X, Y, x0 - 1.6, y0 - 1.6, x1 + 1.6, y1 + 1.6, 1.6)
-    relief.z[where] -= 2.6 * smoothstep(1.2, -1.4, d)
-    relief.paint(where, 0.8 * cover(d, 1.0), style.GROOVE)
 
 
 def brand(c, width, height):

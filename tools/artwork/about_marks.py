@@ -1,8 +1,8 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 """The two marks and the wordmark, as outlines for any cairo context. Needs python3-cairo.
 
-Corvane's mark is a raven's head seen as an open ring whose opening is crossed by a pointed beak, which is at the same time
-a vane and a knob's pointer. Harbor Guild's mark is an H of two piers, tied by a wave, in a round seal.
+Corvane's mark is a raven's head: an open ring whose opening is crossed by a pointed beak, which is at the same time a
+vane and a knob's pointer. Harbor Guild's mark is an H of two piers, tied by a wave, in a round seal.
 """
 import math
 
@@ -180,5 +180,6 @@ def harbor_mark(c, cx, cy, radius):
     reach = half
     c.move_to(cx - reach, cy + radius * 0.02)
     c.curve_to(cx - reach * 0.45, cy - radius * 0.26, cx - reach * 0.1, cy - radius * 0.14, cx, cy)
-    c.curve_to(cx + reach * 0.1, cy + radius * 0.14, cx + reach * 0.45, cy + radius * 0.26, cx + reach, cy - radius * 0.02)
+    c.curve_to(cx + reach * 0.1, cy + radius * 0.14, cx + reach * 0.45, cy + radius * 0.26,
+               cx + reach, cy - radius * 0.02)
     c.stroke()

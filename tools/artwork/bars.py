@@ -120,8 +120,8 @@ def logo(state):
     c = layer.context
     c.set_source_rgba(1, 1, 1, 1)
     about_marks.harbor_mark(c, 28, height / 2, 16.5)
-    cap, left = 16.5, 54
-    lettering.path_text(c, "HARBOR GUILD", left, height / 2, cap, lettering.spacing_to_fit("HARBOR GUILD", cap, width - 8 - left), 0.0)
+    name, cap, left = "HARBOR GUILD", 16.5, 54
+    lettering.path_text(c, name, left, height / 2, cap, lettering.spacing_to_fit(name, cap, width - 8 - left), 0.0)
     c.fill()
     mask = layer.coverage(0.45)[..., None]
     colour = np.array(style.LEGEND_QUIET if state == "normal" else style.LEGEND, np.float32)

@@ -28,7 +28,10 @@ def draw(layout_path, out):
 
 
 def knob_shadows(relief, layout):
-    """The wide soft shadows of the knobs on the plate, 1 in the open. The knobs' own bitmaps hold only what lies close to them."""
+    """The wide soft shadows of the knobs on the plate, 1 in the open.
+
+    The knobs' own bitmaps end at their rectangles and hold only what lies close to them.
+    """
     light = np.ones((relief.height, relief.width), np.float32)
     sx, sy = style.SHADOW_PER_HEIGHT
     for knob in layout.knobs:

@@ -1,9 +1,12 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""Refuses a front whose print runs into a control, a display, a screw, other print or the rim. Lengths are bitmap pixels."""
+"""Refuses a front whose print runs into a control, a display, a screw, other print or the rim.
+
+Needs what the drawings need. Lengths are bitmap pixels.
+"""
 import math
 
 import style
-from front_layout import MASTER_BOTTOM, MASTER_TOP, SEAM, STRIP_BOTTOM, STRIP_TOP, STRIP_WIDTH
+from front_layout import BANDS, MASTER_BOTTOM, MASTER_TOP, SEAM, STRIP_BOTTOM, STRIP_TOP, STRIP_WIDTH
 from front_plates import screw_places
 
 S = style.SCALE
@@ -46,15 +49,15 @@ def occupied(layout):
         elif name.endswith("Readout"):
             yield name, (x - 2) * S, (y + 1) * S, (x + w + 2) * S, (y + h - 1) * S
         else:
-            rim = {"Meter": 7, "Digits": 3, "Switch": 0}[next(e for e in ("Meter", "Digits", "Switch") if name.endswith(e))]
+            rim = 7 if name.endswith("Meter") else 3 if name.endswith("Digits") else 0
             yield name, (x - rim) * S, (y - rim) * S, (x + w + rim) * S, (y + h + rim) * S
     for x, y in screw_places(layout):
         yield "a screw", x * S, y * S, 8.5 * S
 
 
 def on_a_plate(layout, box):
-    x0, y0, x1, y1 = box
-    plates = [(n * STRIP_WIDTH, STRIP_TOP, (n + 1) * STRIP_WIDTH, STRIP_BOTTOM) for n in range(layout.width // STRIP_WIDTH)]
+    plates = [(x, STRIP_TOP, x + STRIP_WIDTH, STRIP_BOTTOM) for _, _, x in BANDS]
     plates.append((0, MASTER_TOP, layout.width, MASTER_BOTTOM))
-    return any(x0 >= (l + SEAM) * S + BEVEL and x1 <= (r - SEAM) * S - BEVEL and y0 >= t * S + BEVEL and y1 <= b * S - BEVEL
-               for l, t, r, b in plates)
+    return any(box[0] >= (left + SEAM) * S + BEVEL and box[2] <= (right - SEAM) * S - BEVEL
+               and box[1] >= top * S + BEVEL and box[3] <= bottom * S - BEVEL
+               for left, top, right, bottom in plates)

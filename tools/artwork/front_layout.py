@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""Where things stand on the front, in base pixels: the layout file's rectangles, and the few places that only drawings use."""
+"""Where things stand on the front, in base pixels: the layout file's rectangles, and what only drawings use."""
 import json
 import pathlib
 

@@ -17,6 +17,7 @@ from front_relief import rounded_box, smoothstep, to_linear, to_srgb
 S = style.SCALE
 RULE = 29.0  # the line between the two scales, base pixels
 CAP = 15.0
+NEEDLE = -0.5  # the needle's two lines lie at y - 1 and y, so its middle is half a pixel above the reading
 
 
 def draw(layout_path, out):
@@ -35,7 +36,7 @@ def scale(meter):
     width, height, X, Y = grid(meter)
     # Two small bulbs behind the paper, and the paper's fibres.
     u, v = X / width - 0.5, Y / height
-    glow = 0.50 * np.exp(-(u**2) / 0.42 - (v - 0.30) ** 2 / 0.10) + 0.50 * np.exp(-(u**2) / 0.42 - (v - 0.72) ** 2 / 0.10)
+    glow = 0.50 * np.exp(-(u**2) / 0.42) * (np.exp(-((v - 0.30) ** 2) / 0.10) + np.exp(-((v - 0.72) ** 2) / 0.10))
     rim = -rounded_box(X, Y, 0, 0, width, height, 6.0)
     glow = (0.46 + 0.94 * glow) * (0.55 + 0.45 * smoothstep(0.0, 26.0, rim))
     fibre = ndimage.gaussian_filter(np.random.default_rng(0x9A9E).standard_normal((height, width)), 1.4)
@@ -56,7 +57,7 @@ def scale(meter):
 
 
 def print_scales(meter, black, red):
-    level, reduction = meter["level"], meter["gainReduction"]
+    level, reduction = ([dict(m, y=m["y"] + NEEDLE) for m in meter[kind]] for kind in ("level", "gainReduction"))
     x = RULE * S
     top, bottom = min(m["y"] for m in level) * S, max(m["y"] for m in level) * S
     zero = next(m["y"] for m in level if m["value"] == 0) * S
@@ -86,7 +87,6 @@ def print_scales(meter, black, red):
 
 def glass(meter):
     width, height, X, Y = grid(meter)
-    frame = np.pad(np.zeros((height - 2, width - 2), np.float32), 1, constant_values=1.0)
     # The frame's shadow: cast downwards and a little to the right, so deep at the upper and left edge.
     inside = -rounded_box(X - 2.0, Y - 7.0, 0, 0, width + 8, height + 16, 10.0)
     cast = 0.62 * smoothstep(16.0, -6.0, inside)

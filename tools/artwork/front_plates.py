@@ -5,7 +5,6 @@ Needs python3-cairo, python3-numpy and python3-scipy.
 """
 import math
 
-import cairo
 import numpy as np
 from scipy import ndimage
 
@@ -32,7 +31,7 @@ def build(layout):
     relief.albedo *= texture[..., None]
 
     for x in RULES:
-        groove(relief, x, RULE_TOP, RULE_BOTTOM)
+        groove(relief, x * S, RULE_TOP * S, x * S, RULE_BOTTOM * S)
 
     for x, y, w, h in layout.ending("Meter"):
         meter_frame(relief, x, y, w, h)
@@ -66,10 +65,10 @@ def plate(relief, x0, y0, x1, y1, colour):
     relief.box(x0 * S, y0 * S, x1 * S, y1 * S, radius=4.5 * S, top=0.0, edge=5.5, colour=colour, gloss=0.26)
 
 
-def groove(relief, x, y0, y1):
-    """An engraved rule, upright."""
-    where, X, Y = relief.window(x * S - 8, y0 * S - 8, x * S + 8, y1 * S + 8)
-    d = rounded_box(X, Y, x * S - 1.6, y0 * S, x * S + 1.6, y1 * S, 1.5)
+def groove(relief, x0, y0, x1, y1):
+    """An engraved rule from point to point, upright or level, in bitmap pixels."""
+    where, X, Y = relief.window(x0 - 8, y0 - 8, x1 + 8, y1 + 8)
+    d = rounded_box(X, Y, x0 - 1.6, y0 - 1.6, x1 + 1.6, y1 + 1.6, 1.5)
     relief.z[where] -= 2.6 * smoothstep(1.2, -1.4, d)
     relief.paint(where, 0.8 * cover(d, 1.0), style.GROOVE)
 
@@ -78,7 +77,8 @@ def meter_frame(relief, x, y, w, h):
     """A black anodised frame screwed onto the plate; the meter itself fills its opening."""
     x0, y0, x1, y1 = x * S, y * S, (x + w) * S, (y + h) * S
     wide = 7 * S
-    relief.box(x0 - wide, y0 - wide, x1 + wide, y1 + wide, radius=4.0 * S, top=9.0, edge=5.0, colour=style.ANODISED, gloss=0.22)
+    relief.box(x0 - wide, y0 - wide, x1 + wide, y1 + wide, radius=4.0 * S, top=9.0, edge=5.0,
+               colour=style.ANODISED, gloss=0.22)
     where, X, Y = relief.window(x0 - wide, y0 - wide, x1 + wide, y1 + wide)
     d = rounded_box(X, Y, x0 + 2, y0 + 2, x1 - 2, y1 - 2, 3.0)
     # An inner slope leads down to the glass.
@@ -95,7 +95,8 @@ def window(relief, x, y, w, h, rim, radius, colour):
     """A dark display behind a narrow black bezel."""
     x0, y0, x1, y1 = x * S, y * S, (x + w) * S, (y + h) * S
     b = rim * S
-    relief.box(x0 - b, y0 - b, x1 + b, y1 + b, radius * S + b * 0.6, top=4.0, edge=3.0, colour=style.ANODISED, gloss=0.20)
+    relief.box(x0 - b, y0 - b, x1 + b, y1 + b, radius * S + b * 0.6, top=4.0, edge=3.0,
+               colour=style.ANODISED, gloss=0.20)
     relief.pit(x0, y0, x1, y1, radius * S * 0.6, floor=-5.0, edge=3.0, colour=colour, gloss=0.0)
 
 

@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""The front's print: scales around the knobs, names, legends. All places follow from the layout's rectangles and angles.
+"""The front's print: scales around the knobs, names, legends. All places follow from the layout file.
 
 Needs python3-cairo, python3-numpy and python3-scipy.
 """
@@ -30,7 +30,8 @@ class Print:
     """The three paints, each a layer as large as the front, and the boxes of all texts."""
 
     def __init__(self, layout):
-        self.layers = {c: lettering.Layer(layout.width * S, layout.height * S) for c in (style.BRASS, style.LEGEND_QUIET, style.LEGEND)}
+        self.layers = {colour: lettering.Layer(layout.width * S, layout.height * S)
+                       for colour in (style.BRASS, style.LEGEND_QUIET, style.LEGEND)}
         self.boxes = []
 
     def text(self, text, x, y, cap, spacing, colour=style.LEGEND, align=0.5):

@@ -1,7 +1,7 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 """Lettering of the console front: letterspaced capitals as outlines, engraved and filled with paint.
 
-Needs the Debian packages python3-cairo, python3-numpy, python3-scipy and fonts-urw-base35. All lengths are bitmap pixels.
+Needs the Debian packages python3-cairo, python3-numpy, python3-scipy and fonts-urw-base35. Lengths are bitmap pixels.
 """
 import math
 
@@ -14,12 +14,12 @@ import style
 CAP_HEIGHT = 0.729  # of the face, in ems
 
 # The face is used without its kerning table, so the few pairs that would gape are closed here, in ems.
-PAIRS = {"AT": -0.07, "TA": -0.07, "AU": -0.02, "AV": -0.07, "VA": -0.07, "LT": -0.07, "RO": -0.01, "OV": -0.02, "VE": -0.02,
-         "RY": -0.03, "AY": -0.07, "YP": -0.02, "PA": -0.06, "FO": -0.02, "1.": -0.02, ".5": -0.01, "0.": -0.01, "11": -0.03}
+PAIRS = {"AT": -0.07, "TA": -0.07, "AU": -0.02, "OV": -0.02, "VE": -0.02, "RY": -0.03, "YP": -0.02, "PA": -0.06,
+         "1.": -0.02, ".5": -0.01, "0.": -0.01}
 
 
 class Layer:
-    """One colour's coverage of a whole bitmap, drawn with cairo. Text may take a transparency of its own."""
+    """One colour's coverage of a whole bitmap, drawn with cairo."""
 
     def __init__(self, width, height):
         self.surface = cairo.ImageSurface(cairo.FORMAT_A8, width, height)
@@ -34,38 +34,33 @@ class Layer:
         mask = data[:, : self.surface.get_width()].astype(np.float32) / 255.0
         return ndimage.gaussian_filter(mask, blur) if blur else mask
 
-    def line(self, x0, y0, x1, y1, width, alpha=1.0, round_caps=False):
+    def line(self, x0, y0, x1, y1, width, alpha=1.0):
         c = self.context
         c.set_source_rgba(1, 1, 1, alpha)
         c.set_line_width(width)
-        c.set_line_cap(cairo.LINE_CAP_ROUND if round_caps else cairo.LINE_CAP_BUTT)
         c.move_to(x0, y0)
         c.line_to(x1, y1)
         c.stroke()
 
-    def text(self, text, x, y, cap, spacing=0.05, alpha=1.0, align=0.5, face=style.FACE, bold=True, weight=0.0):
-        """Draws text whose capitals are `cap` high, vertically centred on y; align 0 starts at x, 0.5 centres, 1 ends."""
-        path_text(self.context, text, x, y, cap, spacing, align, face, bold)
-        self.context.set_source_rgba(1, 1, 1, alpha)
-        if weight > 0:
-            self.context.set_line_width(weight)
-            self.context.set_line_join(cairo.LINE_JOIN_ROUND)
-            self.context.stroke_preserve()
+    def text(self, text, x, y, cap, spacing, align=0.5):
+        """Draws text whose capitals are `cap` high, their middle on y; align 0 starts at x, 0.5 centres, 1 ends."""
+        path_text(self.context, text, x, y, cap, spacing, align)
+        self.context.set_source_rgba(1, 1, 1, 1)
         self.context.fill()
 
 
-def select(context, cap, face=style.FACE, bold=True):
+def select(context, cap):
     options = cairo.FontOptions()
     options.set_hint_style(cairo.HINT_STYLE_NONE)
     options.set_hint_metrics(cairo.HINT_METRICS_OFF)
     options.set_antialias(cairo.ANTIALIAS_GRAY)
     context.set_font_options(options)
-    context.select_font_face(face, cairo.FONT_SLANT_NORMAL, cairo.FONT_WEIGHT_BOLD if bold else cairo.FONT_WEIGHT_NORMAL)
+    context.select_font_face(style.FACE, cairo.FONT_SLANT_NORMAL, cairo.FONT_WEIGHT_BOLD)
     context.set_font_size(cap / CAP_HEIGHT)
 
 
 def advances(context, text, cap, spacing):
-    """Left edges of the letters and the ink's whole width, first letter's bearing and last letter's spacing left out."""
+    """Where each letter's pen stands, and the left and right edge of the ink, all from the first pen."""
     em = cap / CAP_HEIGHT
     pen, xs = 0.0, []
     for i, letter in enumerate(text):
@@ -80,9 +75,9 @@ def advances(context, text, cap, spacing):
 _measure = cairo.Context(cairo.ImageSurface(cairo.FORMAT_A8, 8, 8))
 
 
-def width(text, cap, spacing=0.05, face=style.FACE, bold=True):
+def width(text, cap, spacing):
     """Width of the ink."""
-    select(_measure, cap, face, bold)
+    select(_measure, cap)
     _, left, right = advances(_measure, text, cap, spacing)
     return right - left
 
@@ -93,8 +88,8 @@ def spacing_to_fit(text, cap, room, widest=0.30):
     return min(widest, (room - width(text, cap, 0.0)) / (gaps * cap / CAP_HEIGHT))
 
 
-def path_text(context, text, x, y, cap, spacing=0.05, align=0.5, face=style.FACE, bold=True):
-    select(context, cap, face, bold)
+def path_text(context, text, x, y, cap, spacing, align=0.5):
+    select(context, cap)
     xs, left, right = advances(context, text, cap, spacing)
     start = x - left - (right - left) * align
     for letter, offset in zip(text, xs):
@@ -124,7 +119,7 @@ def engrave(picture, mask, colour, light=1.0, depth=1.3, dark_edge=0.62, light_e
 
 
 def place_mark_label(cx, cy, angle, radius, half_width, half_height):
-    """Centre of a label whose ellipse just touches a circle of this radius. angle: degrees clockwise from straight up."""
+    """Centre of a label whose ellipse just touches a circle of this radius; degrees clockwise from straight up."""
     s, c = math.sin(math.radians(angle)), -math.cos(math.radians(angle))
     reach = radius + math.hypot(half_width * s, half_height * c)
     return cx + reach * s, cy + reach * c

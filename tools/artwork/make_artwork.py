@@ -2,8 +2,8 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 """Draws every bitmap of the editor: python3 tools/artwork/make_artwork.py --out source/assets/images
 
-Needs these Debian packages: python3-cairo, python3-numpy, python3-scipy, python3-pil, fonts-urw-base35; optipng makes the
-files smaller, not other. The same inputs give the same pixels: all seeds are fixed and no file bears a date.
+Needs these Debian packages: python3-cairo, python3-numpy, python3-scipy, python3-pil, fonts-urw-base35 and povray; with
+optipng the files are smaller. The same inputs give the same pixels: all seeds are fixed and no file bears a date.
 """
 import argparse
 import pathlib
@@ -22,7 +22,7 @@ HERE = pathlib.Path(__file__).resolve().parent
 def main():
     parser = argparse.ArgumentParser(description="Draws every bitmap of the editor.")
     parser.add_argument("--out", required=True, type=pathlib.Path, help="folder of the PNG files")
-    parser.add_argument("--layout", type=pathlib.Path, default=HERE / "front.json", help="the front's rectangles and marks")
+    parser.add_argument("--layout", type=pathlib.Path, default=HERE / "front.json", help="rectangles and marks")
     parser.add_argument("--only", choices=["front", "meter", "about", "bars", "solids"], help="draw one group")
     arguments = parser.parse_args()
     arguments.out.mkdir(parents=True, exist_ok=True)
