@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""The About box: about-background.png, about-brand.png and about-distributor.png. The program writes its texts over them.
+"""The About box: about-background.png, about-brand.png, about-distributor.png. The program writes its texts over them.
 
 Needs python3-cairo, python3-numpy, python3-scipy, python3-pil and fonts-urw-base35.
 """

@@ -10,7 +10,7 @@ import cairo
 
 
 def corvane_mark(c, cx, cy, radius):
-    """Fills nothing: leaves the path, to be filled with the even-odd rule off."""
+    """Leaves the path of ring and beak, to be filled."""
     weight = radius * 0.27
     outer, inner = radius, radius - weight
     opening = math.radians(33)

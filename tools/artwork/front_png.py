@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""Writes pictures as PNG files without dates. Needs python3-numpy and python3-pil; uses optipng where it is installed."""
+"""Writes PNG files without dates. Needs python3-numpy and python3-pil; optipng is used where it is installed."""
 import pathlib
 import shutil
 import subprocess
