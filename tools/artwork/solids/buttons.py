@@ -21,10 +21,10 @@ LIFT = 12.0
 LIFT_DOWN = 4.5
 SHIFT_DOWN = 2.0  # of a pressed key in the picture; straight from the front, height alone would hardly show
 SIDE = 5.5  # how far the face stands back behind the foot
-CAP = 19.5
+CAP = 18.5
 
 GREY = (0x35, 0x36, 0x39)
-RED = (0x74, 0x16, 0x12)
+RED = (0x5C, 0x0C, 0x0A)
 KEYS = [("link", "LINK", GREY), ("niveau", "NIVEAU", GREY), ("nuke", "NUKE", RED), ("ms", "M/S", GREY), ("solo", "SOLO", GREY),
         ("in", "IN", GREY)]
 
@@ -62,7 +62,7 @@ def draw(text, colour, down):
     up = np.clip(-to_foot / wall, 0, 1)
     face = 1.1 * (1 - ((y - middle[1]) / 24) ** 2) + 0.35 * (1 - ((x - middle[0]) / 55) ** 2)
     key = -SLOT_DEPTH + (lift + SLOT_DEPTH) * up + face * up
-    key = ndimage.gaussian_filter(key, 1.0 * DETAIL)
+    key = ndimage.gaussian_filter(key, 0.85 * DETAIL)
     height = np.where(to_foot < 0, key, np.where(in_slot < 0, -SLOT_DEPTH, 0.0))
     letters = legend(text, *middle)
     height = height - 0.5 * letters * (to_foot < 0)
@@ -77,15 +77,15 @@ def draw(text, colour, down):
     ivory = letters * key_share
     body = relief.Material(
         albedo=_mix(_mix(studio.to_linear(style.GROOVE) * 0.5, studio.to_linear(colour), key_share), studio.to_linear(style.LEGEND), ivory),
-        mirror=np.where(key_share[..., None] > 0.5, 0.035, 0.004) * (1 - 0.7 * ivory[..., None]) * np.ones(3),
-        rough_x=0.34 + 0.1 * ivory,
+        mirror=np.where(key_share[..., None] > 0.5, 0.030, 0.004) * (1 - 0.7 * ivory[..., None]) * np.ones(3),
+        rough_x=0.30 + 0.14 * ivory,
     )
     dim = 0.80 if down else 1.0
     lit = studio.to_srgb(relief.shade(relief.normals(height), body, studio.soft_box(13, 7), lamp * dim, hall))
 
     shadow = studio.shadow_alpha(lamp * (1 - studio.ROOM) + hall * studio.ROOM)
     fade = studio.smoothstep(0, 9, y - 8) * (1 - studio.smoothstep(88, 98, y)) * studio.smoothstep(4, 20, x) * (1 - studio.smoothstep(150, 165, x))
-    shadow = shadow * fade
+    shadow = studio.grounded(shadow, 0.05) * fade
     # The slot's lower lip is a fine chamfer that looks up into the light.
     lip = np.exp(-((in_slot - 0.9) / 0.8) ** 2) * np.clip(_outward_down(x, y), 0, 1) * 0.16
     plate = studio.over((np.ones_like(lit), lip), (np.zeros_like(lit), shadow))

@@ -28,21 +28,21 @@ class Size:
         self.radius = 0.40 * pixels
 
 
-SIZES = [Size("big", 240, 28, 8.4, 4), Size("mid", 144, 22, 7.2, 5), Size("small", 108, 18, 6.4, 6)]
+SIZES = [Size("big", 240, 24, 8.6, 4), Size("mid", 144, 20, 7.2, 5), Size("small", 108, 16, 6.4, 6)]
 
 # Radius and height as shares of the skirt's radius. Between two points the line is straight; all is softened afterwards.
 PROFILE = [
-    (0.000, 0.455), (0.500, 0.470),  # the cap, a shallow dish
-    (0.535, 0.470), (0.560, 0.440),  # its edge, cut bright
-    (0.575, 0.405), (0.592, 0.405),  # the groove around it
-    (0.605, 0.445), (0.650, 0.445),  # the grip's face
-    (0.690, 0.425), (0.715, 0.380),  # its shoulder
-    (0.800, 0.125), (0.830, 0.095),  # its wall, fluted, and the foot
-    (0.955, 0.070), (0.985, 0.045), (1.000, 0.000), (1.100, 0.000),  # skirt and edge
+    (0.000, 0.435), (0.500, 0.450),  # the cap, a shallow dish
+    (0.528, 0.450), (0.556, 0.418),  # its edge, cut bright
+    (0.566, 0.385), (0.582, 0.385),  # the groove around it
+    (0.594, 0.425), (0.636, 0.428),  # the grip's face
+    (0.668, 0.410), (0.694, 0.370),  # its shoulder
+    (0.806, 0.165), (0.832, 0.145),  # its wall, fluted, and the foot
+    (0.940, 0.118), (0.972, 0.096), (0.992, 0.050), (1.000, 0.000), (1.100, 0.000),  # skirt and edge
 ]
-CAP_EDGE = (0.536, 0.568)
-FLUTES = (0.655, 0.700, 0.800, 0.835)  # begin, full, full, end
-POINTER = (0.17, 0.985)
+CAP_EDGE = (0.530, 0.560)
+FLUTES = (0.640, 0.690, 0.800, 0.838)  # begin, full, full, end
+POINTER = (0.20, 0.982)
 
 
 def polar(size):
@@ -62,14 +62,14 @@ def profile(r, softness):
 
 
 def flutes(size, r, angle):
-    """How far the wall stands back, as a share of the radius: round valleys with narrow lands between, a land at the pointer."""
+    """How far the wall stands back, as a share of the radius: round valleys with sharp ridges between, one of them at the pointer."""
     phase = size.num_flutes * angle / (2 * np.pi)
-    across = np.abs(phase - np.floor(phase) - 0.5) * 2  # 0 in a valley's middle, 1 on a land
-    valley = np.sqrt(np.maximum(1 - (across / 0.86) ** 2, 0))
+    across = np.abs(phase - np.floor(phase) - 0.5) * 2  # 0 in a valley's middle, 1 on a ridge
+    valley = 1 - across**2
     b0, b1, e0, e1 = FLUTES
     where = studio.smoothstep(b0, b1, r) * (1 - studio.smoothstep(e0, e1, r))
-    depth = 0.62 * np.pi * 0.76 / size.num_flutes
-    return depth * valley * where, valley * where
+    depth = 0.56 * np.pi * 0.76 / size.num_flutes
+    return depth * valley * where, valley * where, across
 
 
 def blend(parts, channels):
@@ -86,23 +86,26 @@ def material(r, x, y, size, with_pointer):
     soft = 0.35 / size.radius
     cap = 1 - studio.smoothstep(CAP_EDGE[0] - soft, CAP_EDGE[0] + soft, r)
     cut = 1 - studio.smoothstep(CAP_EDGE[1] - soft, CAP_EDGE[1] + soft, r) - cap
+    # Hands have polished the edges of the grip.
+    worn = studio.smoothstep(0.925, 0.945, r) + studio.smoothstep(0.625, 0.645, r) * (1 - studio.smoothstep(0.675, 0.705, r))
     grip = 1 - cap - cut
+    worn = worn * grip
     ivory = np.zeros_like(r)
     channel = np.zeros_like(r)
     if with_pointer:
         ivory, channel = pointer(r, x, y, size)
         channel = channel * (1 - ivory)
-        for part in (cap, cut, grip):
+        for part in (cap, cut, grip, worn):
             part *= 1 - ivory - channel
     aluminium = studio.to_linear(style.ALUMINIUM)
     black = studio.to_linear(style.ANODISED)
     return relief.Material(
         albedo=blend([(cap, aluminium * 0.10), (cut, aluminium * 0.05), (grip, black * 0.9), (ivory, studio.to_linear(style.LEGEND)),
                       (channel, black * 0.3)], 3),
-        mirror=blend([(cap, aluminium * 1.05), (cut, aluminium * 1.5), (grip, np.full(3, 0.035)), (ivory, np.full(3, 0.02)),
+        mirror=blend([(cap, aluminium * 1.05), (cut, aluminium * 1.5), (grip, np.full(3, 0.038)), (worn, np.full(3, 0.045)), (ivory, np.full(3, 0.02)),
                       (channel, np.full(3, 0.01))], 3),
-        rough_x=blend([(cap, 0.17), (cut, 0.22), (grip, 0.30), (ivory, 0.5), (channel, 0.5)], 1),
-        rough_y=blend([(cap, 0.62), (cut, 0.22), (grip, 0.30), (ivory, 0.5), (channel, 0.5)], 1),
+        rough_x=blend([(cap, 0.20), (cut, 0.22), (grip, 0.28), (worn, -0.07), (ivory, 0.5), (channel, 0.5)], 1),
+        rough_y=blend([(cap, 0.60), (cut, 0.22), (grip, 0.28), (worn, -0.07), (ivory, 0.5), (channel, 0.5)], 1),
     )
 
 
@@ -130,17 +133,25 @@ def grain(x, y):
 
 
 def around(a, r):
-    """The mean over one turn, at every point."""
+    """What the rotor shows of a picture of the knob: at every radius one brightness between its darkest and its brightest.
+
+    On the metal it is the mean. On the black grip it lies lower, so that the top layer darkens little there and does not
+    dim the pointer where it looks down. Returns it and its ratio to the mean.
+    """
     step = 0.0025
     index = (r / step).astype(int)
     count = np.maximum(np.bincount(index.ravel()), 1)
-    place = np.bincount(index.ravel(), weights=r.ravel()) / count
     used = np.bincount(index.ravel()) > 0
-    out = np.empty_like(a)
+    place = np.bincount(index.ravel(), weights=r.ravel()) / count
+    grip = studio.smoothstep(0.57, 0.60, place)
+    shown, ratio = np.empty_like(a), np.empty_like(a)
     for c in range(a.shape[2]):
         mean = np.bincount(index.ravel(), weights=a[..., c].ravel()) / count
-        out[..., c] = np.interp(r, place[used], mean[used])
-    return out
+        spread = np.sqrt(np.maximum(np.bincount(index.ravel(), weights=a[..., c].ravel() ** 2) / count - mean**2, 0))
+        level = np.maximum(mean - 0.65 * grip * spread, 0.35 * mean)
+        shown[..., c] = np.interp(r, place[used], level[used])
+        ratio[..., c] = np.interp(r, place[used], (level / np.maximum(mean, 1e-6))[used])
+    return shown, ratio
 
 
 def shares(height, detail, size):
@@ -158,7 +169,7 @@ def draw(size):
     soft = max(0.0045, 0.30 / size.radius)
     unit = size.radius * size.detail
     smooth_height = profile(r, soft) * unit
-    back, valley = flutes(size, r, angle)
+    back, valley, ridge = flutes(size, r, angle)
     fluted_height = profile(r + back, soft) * unit
 
     lamp, ring, hall = shares(smooth_height, size.detail, size)
@@ -171,17 +182,24 @@ def draw(size):
     body = material(r, x, y, size, False)
     smooth_normal = relief.normals(smooth_height)
     true = relief.shade(smooth_normal, body, studio.soft_box(13, 7), lamp, hall, grains)
-    even = around(true, r)
+    even, ratio = around(true, r)
 
     # The rotor: flutes and pointer, in light from all around.
     with_pointer = material(r, x, y, size, True)
     fluted_normal = relief.normals(fluted_height)
     turned = relief.shade(fluted_normal, with_pointer, studio.ring_of_boxes(), fluted_ring, fluted_hall, grains, room_tilt=0)
 
-    # Ivory keeps its brightness on the steep wall: a line that fades half way is read badly.
+    turned *= ratio
+    # Ridges are worn and catch light from somewhere at every angle; valleys keep their dust.
+    b0, b1, e0, e1 = FLUTES
+    wall = studio.smoothstep(b0, b1, r) * (1 - studio.smoothstep(e0 - 0.02, e1, r))
+    turned *= (1 - 0.34 * valley)[..., None]
+    turned += (0.020 * wall * ridge**3)[..., None]
+
+    # The ivory is one inlaid bar that bridges the groove; paint that faded on the steep wall would be read badly.
     ivory, _ = pointer(r, x, y, size)
-    least = studio.to_linear(style.LEGEND) * 0.80
-    turned = np.where((ivory > 0)[..., None], np.maximum(turned, least * ivory[..., None]), turned)
+    bar = 0.94 - 0.13 * np.exp(-(((r - 0.75) / 0.055) ** 2)) - 0.05 * studio.smoothstep(0.8, 1.0, r)
+    turned += (studio.to_linear(style.LEGEND) * bar[..., None] - turned) * ivory[..., None]
 
     rotor = (studio.reduced(studio.to_srgb(turned) * inside[..., None], size.detail), studio.reduced(inside, size.detail))
     rotor = (rotor[0] / np.maximum(rotor[1], 1e-6)[..., None], rotor[1])
@@ -194,6 +212,10 @@ def light_layer(true, even, inside, size):
     inside = studio.reduced(inside, size.detail)
     brighter = np.clip((true - even) / np.maximum(1 - even, 0.05), 0, 0.75)
     darker = np.clip(1 - true / np.maximum(even, 1e-3), 0, 0.75)
+    # Over the groove around the cap the pointer runs on; the lights of that edge cross it softened.
+    radius = studio.reduced(polar(size)[2], size.detail)
+    calm = 1 - 0.45 * np.exp(-(((radius - 0.565) / 0.04) ** 2))
+    brighter, darker = brighter * calm, darker * calm
     white = (true > even).astype(float)
     return np.repeat(white[..., None], 3, axis=2), np.where(true > even, brighter, darker) * inside
 
@@ -204,9 +226,8 @@ def background(lamp, hall, r, size):
     radius = studio.reduced(r, size.detail) * size.radius
     alpha = np.where(radius < size.radius - 0.5, np.maximum(alpha, 0.85), alpha)
     n = size.pixels
-    c = np.abs(np.arange(n) + 0.5 - n / 2)
-    to_edge = n / 2 - np.maximum(c[:, None], c[None, :])
-    alpha *= studio.smoothstep(0.0, 0.07 * n, to_edge)
+    # What is left at the border is the room's faint shade; it ends there, round as the knob.
+    alpha = studio.grounded(alpha, 0.045) * (1 - studio.smoothstep(0.425, 0.497, radius / n))
     return np.zeros((n, n, 3)), alpha
 
 

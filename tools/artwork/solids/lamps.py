@@ -2,6 +2,7 @@
 """The lamps: a coloured dome in a chrome bezel, dark and lit. The middle of the lens has a colour laid down once for all."""
 
 import numpy as np
+from scipy import ndimage
 
 import solids.relief as relief
 import solids.studio as studio
@@ -26,11 +27,13 @@ def lens(x, y, r, colour, lit):
     """sRGB of the dome. Its middle has the colour itself."""
     base = np.array(colour) / 255
     q = r / LENS
-    rim = studio.smoothstep(0.42, 1.0, q)
+    rim = studio.smoothstep(0.36, 1.0, q)
     out = np.ones(x.shape + (3,)) * base
     if lit:
-        # Hottest in the middle, saturated towards the rim.
-        out = out * (1 - 0.50 * rim**1.6)[..., None]
+        # Hottest in the middle, deeper towards the rim; glass and lamp throw a little of it to the lower side.
+        out = out * (1 - 0.58 * rim**1.3)[..., None]
+        gathered = 0.20 * np.exp(-(((x - 1.6) / 6.0) ** 2 + ((y - 7.0) / 2.4) ** 2)) * studio.smoothstep(3.0, 6.0, r)
+        out = out + (1 - out) * gathered[..., None]
     else:
         # Light that enters above is gathered below, opposite to the soft box.
         gathered = np.exp(-(((x - 2.2) / 5.0) ** 2 + ((y - 6.0) / 3.0) ** 2)) * studio.smoothstep(3.0, 6.0, r)
@@ -47,13 +50,11 @@ def bezel(x, y, r):
     t = np.clip((r - WELL) / (BEZEL - WELL), 0, 1)
     height = np.where((r < BEZEL) & (r > WELL), 3.4 * np.sqrt(np.maximum(1 - (2 * t - 1) ** 2, 0)) ** 0.9, 0.0)
     height = np.where(r <= WELL, -1.5, height)
-    from scipy import ndimage
-
     height = ndimage.gaussian_filter(height, 0.35 * DETAIL) * DETAIL
     lamp = relief.light_share(height, studio.soft_box(7, 5), step=2, softness=2)
     hall = relief.light_share(height, relief.room(), step=3, softness=2)
-    metal = relief.Material(np.full(3, 0.02), np.array((0.60, 0.61, 0.63)), 0.24)
-    colour = relief.shade(relief.normals(height), metal, studio.soft_box(13, 7), lamp, hall, room_tilt=0.8)
+    metal = relief.Material(np.full(3, 0.01), np.array((0.60, 0.61, 0.63)), 0.13)
+    colour = relief.shade(relief.normals(height), metal, studio.soft_box(13, 7), lamp, hall * 0.5, room_tilt=0.9)
     shadow = studio.shadow_alpha(lamp * (1 - studio.ROOM) + hall * studio.ROOM)
     return studio.to_srgb(colour), shadow
 
@@ -68,10 +69,10 @@ def draw(colour, lit):
 
     to_edge = SIZE / 2 - np.maximum(np.abs(x), np.abs(y))
     fade = studio.smoothstep(0.5, 6, to_edge) * (1 - studio.smoothstep(19, 24.5, r))
-    picture = (np.zeros(x.shape + (3,)), shadow * fade)
+    picture = (np.zeros(x.shape + (3,)), studio.grounded(shadow, 0.04) * fade)
     if lit:
         light = np.ones(x.shape + (3,)) * np.array(colour) / 255
-        halo = 0.42 * (1 - studio.smoothstep(BEZEL - 2, 25.0, r)) ** 1.6
+        halo = 0.36 * (1 - studio.smoothstep(BEZEL - 2, 25.0, r)) ** 2.0
         picture = studio.over((light, halo), picture)
         # The inner side of the bezel mirrors the lens.
         glow = (1 - studio.smoothstep(WELL - 0.5, BEZEL - 0.6, r)) * 0.75

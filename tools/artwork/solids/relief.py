@@ -131,5 +131,5 @@ def shade(normal, material, lights, lamp_share, room_share, grain=None, room_til
     rough = np.sqrt(ax * ay)
     lamp, hall = np.asarray(lamp_share).ravel(), np.asarray(room_share).ravel() * studio.ROOM * tilt
     out = albedo * (diffuse * lamp + hall * (0.5 + 0.5 * nv))[:, None]
-    out += mirror * (lobe * lamp + hall)[:, None] + (glance * lamp + hall * edge * (1 - rough) * 0.6)[:, None]
+    out += mirror * (lobe * lamp + hall)[:, None] + (glance * lamp + hall * edge * (1 - rough) * 0.3)[:, None]
     return out.reshape(shape + (3,)).astype(np.float64)

@@ -83,6 +83,11 @@ def shadow_alpha(light):
     return 1 - np.clip(light, 0, 1) ** (1 / 2.2)
 
 
+def grounded(alpha, rest):
+    """Takes from a shadow the faint rest that would end as a visible frame where its bitmap ends."""
+    return np.clip((alpha - rest * (1 - alpha)), 0, 1)
+
+
 def smoothstep(edge0, edge1, x):
     t = np.clip((x - edge0) / (edge1 - edge0), 0, 1)
     return t * t * (3 - 2 * t)
