@@ -41,7 +41,7 @@ PROFILE = [
     (0.940, 0.118), (0.972, 0.096), (0.992, 0.050), (1.000, 0.000), (1.100, 0.000),  # skirt and edge
 ]
 CAP_EDGE = (0.530, 0.560)
-FLUTES = (0.640, 0.690, 0.800, 0.838)  # begin, full, full, end
+FLUTES = (0.615, 0.720, 0.850, 0.890)  # begin, full, full, end
 POINTER = (0.20, 0.982)
 
 
@@ -69,7 +69,10 @@ def flutes(size, r, angle):
     b0, b1, e0, e1 = FLUTES
     where = studio.smoothstep(b0, b1, r) * (1 - studio.smoothstep(e0, e1, r))
     depth = 0.56 * np.pi * 0.76 / size.num_flutes
-    return depth * valley * where, valley * where, across
+    back = depth * valley * where
+    # How deep in a flute a point lies, and how sharp a ridge it stands on; both end where the wall stands on the skirt.
+    wall = studio.smoothstep(b0 + 0.02, b1, r) * (1 - studio.smoothstep(0.79, 0.835, r + back))
+    return back, valley * wall, across**3 * wall
 
 
 def blend(parts, channels):
@@ -191,10 +194,8 @@ def draw(size):
 
     turned *= ratio
     # Ridges are worn and catch light from somewhere at every angle; valleys keep their dust.
-    b0, b1, e0, e1 = FLUTES
-    wall = studio.smoothstep(b0, b1, r) * (1 - studio.smoothstep(e0 - 0.02, e1, r))
-    turned *= (1 - 0.34 * valley)[..., None]
-    turned += (0.020 * wall * ridge**3)[..., None]
+    turned *= (1 - 0.30 * valley)[..., None]
+    turned += (0.022 * ridge)[..., None]
 
     # The ivory is one inlaid bar that bridges the groove; paint that faded on the steep wall would be read badly.
     ivory, _ = pointer(r, x, y, size)

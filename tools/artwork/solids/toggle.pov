@@ -64,9 +64,15 @@ sky_sphere {
 #end
 #end
 
-#macro Surface(Tint, Mirror)
+// Seen: the share of its colour that a matt part sends back under the soft box.
+#macro Surface(Tint, Mirror, Satin, Seen)
   #if (Pass = 0)
-    texture { pigment { rgb Tint } finish { ambient 0.02 diffuse 0 reflection { Mirror metallic } } }
+    // The bumps are far finer than a pixel: many of them together blur what is mirrored, as satin metal does.
+    texture {
+      pigment { rgb Tint }
+      normal { bumps Satin scale 0.013 }
+      finish { ambient 0 emission Seen diffuse 0 reflection { Mirror metallic } }
+    }
   #else
     #if (Pass = 1)
       texture { pigment { rgb 0 } finish { ambient 0 diffuse 0 } }
@@ -94,13 +100,13 @@ union {
   #if (Pass = 1)
     texture { pigment { rgb 1 } finish { ambient 0 diffuse 0 emission 1 } }
   #else
-    Surface(rgb <0.90, 0.91, 0.93>, 0.92)
+    Surface(rgb <0.90, 0.91, 0.93>, 0.95, 0.20, 0.02)
   #end
 }
 #end
 
 // washer
-cylinder { <0, 0, 1>, <0, 0, -3.2>, 37 Surface(rgb 0.05, 0.05) }
+cylinder { <0, 0, 1>, <0, 0, -3.2>, 37 Surface(rgb 0.05, 0.05, 0, 1) }
 
 // hex nut
 intersection {
@@ -114,14 +120,14 @@ intersection {
   }
   cone { <0, 0, 4>, 46, <0, 0, -14>, 27 }
   cylinder { <0, 0, 1>, <0, 0, -20>, 13 inverse }
-  Surface(rgb 0.6, 0.45)
+  Surface(rgb 0.6, 0.45, 0.3, 0.45)
 }
 
 // bushing
 difference {
   cylinder { 0, <0, 0, -18>, 15 }
   cone { <0, 0, -8>, 8, <0, 0, -18.1>, 12.2 }
-  Surface(rgb 0.6, 0.45)
+  Surface(rgb 0.6, 0.45, 0.3, 0.45)
 }
 
-plane { -z, 0 Surface(rgb 0.026, 0.02) }
+plane { -z, 0 Surface(rgb 0.055, 0.02, 0, 1) }

@@ -34,7 +34,7 @@ def render(turned_on, which):
     with tempfile.TemporaryDirectory() as folder:
         out = pathlib.Path(folder) / "out.ppm"
         command = ["povray", f"+I{SCENE}", f"+O{out}", f"+W{WIDTH * DETAIL}", f"+H{HEIGHT * DETAIL}", "+FP16", "File_Gamma=1.0", "-D",
-                   "+A0.1", "+AM1", "+R2", "-J", "+WT1", "-GA"] + [f"Declare={k}={v}" for k, v in declared.items()]
+                   "+A0.0" if which == PICTURE else "+A0.1", "+AM1", "+R3" if which == PICTURE else "+R2", "-J", "+WT1", "-GA"] + [f"Declare={k}={v}" for k, v in declared.items()]
         done = subprocess.run(command, capture_output=True, text=True, check=False, cwd=folder)
         if done.returncode != 0:
             raise RuntimeError("povray failed:\n" + done.stderr[-3000:])
