@@ -2,18 +2,19 @@
 # The everyday commands. All logic stands in CMake or in a script; `make demo` and `make test` are each enough on a
 # bare Debian 12 machine with `make`, since they install the packages that they need.
 
-.PHONY: help demo build test bench artwork fuzz tsan install format clean
+.PHONY: help demo build test bench artwork screenshots fuzz tsan install format clean
 
 help:
-	@echo "make demo     build, render the demo loop through three programs, say where everything lies"
-	@echo "make build    optimised bundles and renderer, into build/release"
-	@echo "make test     all tests, optimised and under the sanitizers"
-	@echo "make bench    nanoseconds per frame of every stage and of the whole"
-	@echo "make artwork  every bitmap of the editor and its font, from their sources"
-	@echo "make fuzz     libFuzzer on the session reader, for a minute"
-	@echo "make tsan     the concurrency tests under the thread sanitizer"
-	@echo "make install  bundles and renderer into your own folders, or below PREFIX (and DESTDIR)"
-	@echo "make format   lay the sources out as .clang-format says"
+	@echo "make demo         build, render the demo loop through three programs, say where everything lies"
+	@echo "make build        optimised bundles and renderer, into build/release"
+	@echo "make test         all tests, optimised and under the sanitizers"
+	@echo "make bench        nanoseconds per frame of every stage and of the whole"
+	@echo "make artwork      every bitmap of the editor and its font, from their sources"
+	@echo "make screenshots  pictures of the editor in all its states, into build/screenshots"
+	@echo "make fuzz         libFuzzer on the session reader, for a minute"
+	@echo "make tsan         the concurrency tests under the thread sanitizer"
+	@echo "make install      bundles and renderer into your own folders, or below PREFIX (and DESTDIR)"
+	@echo "make format       lay the sources out as .clang-format says"
 
 demo: build
 	@scripts/demo.sh
@@ -33,6 +34,9 @@ bench:
 artwork:
 	@scripts/install-packages.sh build artwork
 	@scripts/artwork.sh
+
+screenshots:
+	@scripts/screenshots.sh
 
 fuzz:
 	@scripts/install-packages.sh build fuzz

@@ -1,7 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "views/EditorViews.h"
 
+#include "assets/Assets.h"
 #include "editor/CorvaneQ7Editor.h"
+
+#include <cstdlib>
 
 namespace EditorViews
 {
@@ -38,38 +41,81 @@ void restNeedles (CorvaneQ7Editor& editor, float low, float mid, float high)
 void nothing (Processor&) {}
 void needlesMoving (CorvaneQ7Editor& editor) { restNeedles (editor, 0.31f, 0.52f, 0.2f); }
 
-/** Opens a menu within the editor, and the submenu at a row of it. */
-void showMenu (CorvaneQ7Editor& editor, juce::PopupMenu menu, juce::Component& at)
+/** The menu or submenu that was opened last: the framework puts them into the editor, under this name. */
+juce::Component* openMenu (CorvaneQ7Editor& editor)
 {
-    menu.showMenuAsync (juce::PopupMenu::Options().withTargetComponent (at).withParentComponent (&editor), [] (int) {});
+    const auto& children = editor.getChildren();
+
+    for (int i = children.size(); --i >= 0;)
+        if (children[i]->getName() == "menu")
+            return children[i];
+
+    return nullptr;
 }
 
-/** One submenu of the settings, as a menu of its own. */
-void showSettingsSubmenu (CorvaneQ7Editor& editor, int row)
-{
-    auto menu = editor.toolbar->settingsMenu();
-    juce::PopupMenu::MenuItemIterator rows (menu);
-    int submenus = 0;
+void showSettings (CorvaneQ7Editor& editor) { editor.toolbar->buttonClicked (&editor.toolbar->settingsButton); }
+void showLinks (CorvaneQ7Editor& editor) { editor.bar->buttonClicked (editor.bar->menuButton.get()); }
 
-    while (rows.next())
+/** Walks the settings with the arrow keys, as a user can, to the row with a submenu and into it. */
+auto showSettingsSubmenu (int row)
+{
+    return [row] (CorvaneQ7Editor& editor)
     {
-        if (auto* submenu = rows.getItem().subMenu.get(); submenu != nullptr && submenus++ == row)
+        showSettings (editor);
+
+        if (auto* menu = openMenu (editor))
         {
-            submenu->setLookAndFeel (&editor.toolbar->lookAndFeel);
-            showMenu (editor, *submenu, editor.toolbar->settingsButton);
-            return;
+            for (int i = 0; i <= row; ++i)
+                menu->keyPressed (juce::KeyPress (juce::KeyPress::downKey));
+
+            menu->keyPressed (juce::KeyPress (juce::KeyPress::rightKey));
         }
+    };
+}
+
+void showAbout (CorvaneQ7Editor& editor) { editor.openDialog (DialogListener::aboutBox); }
+
+/** Collects the areas of a component's children that are written in fonts of the system. */
+void findSystemText (const juce::Component& component, const juce::Component& top,
+                     std::vector<juce::Rectangle<int>>& areas)
+{
+    static const auto ownFace = Assets::segment7()->getName();
+
+    for (auto* child : component.getChildren())
+    {
+        if (! child->isVisible())
+            continue;
+
+        const auto* label = dynamic_cast<const juce::Label*> (child);
+
+        if ((label != nullptr && label->getFont().getTypefaceName() != ownFace) || child->getName() == "menu"
+            || dynamic_cast<const juce::HyperlinkButton*> (child) != nullptr)
+            areas.push_back (top.getLocalArea (child, child->getLocalBounds()));
+        else
+            findSystemText (*child, top, areas);
     }
 }
+
+constexpr const char* knownFonts = "/usr/share/fonts/truetype/liberation";
 } // namespace
 
 std::vector<View> all()
 {
     std::vector<View> views;
 
-    for (const auto percent : { 70, 80, 90, 100 })
-        views.push_back (
-            { "zoom-" + juce::String (percent), static_cast<float> (percent) / 100.0f, 2, nothing, needlesMoving });
+    const auto add = [&] (const char* name, float zoom, void (*prepare) (Processor&),
+                          std::function<void (CorvaneQ7Editor&)> arrange) -> View&
+    {
+        views.push_back ({ name, zoom, 2, prepare, std::move (arrange) });
+        return views.back();
+    };
+
+    const auto addMenu = [&] (const char* name, float zoom, std::function<void (CorvaneQ7Editor&)> arrange) -> View&
+    {
+        auto& view = add (name, zoom, nothing, std::move (arrange));
+        view.needsScreen = true;
+        return view;
+    };
 
     const auto lampsOn = [] (Processor& processor)
     {
@@ -94,33 +140,43 @@ std::vector<View> all()
         set (processor, "Bypass", 1.0f);
     };
 
-    views.push_back ({ "lamps-on", 1.0f, 2, lampsOn, needlesMoving });
-    views.push_back ({ "lamps-off", 1.0f, 2, lampsOff, [] (CorvaneQ7Editor&) {} });
-    views.push_back ({ "lowest", 1.0f, 2, [] (Processor& processor) { setAll (processor, 0.0f); },
-                       [] (CorvaneQ7Editor& editor) { restNeedles (editor, 0.0f, 0.0f, 0.0f); } });
-    views.push_back ({ "highest", 1.0f, 2, [] (Processor& processor) { setAll (processor, 1.0f); },
-                       [] (CorvaneQ7Editor& editor) { restNeedles (editor, 1.0f, 1.0f, 1.0f); } });
-    views.push_back ({ "slot-b", 1.0f, 2, [] (Processor& processor) { processor.selectSlot (1); }, needlesMoving });
-    views.push_back ({ "mono", 1.0f, 1, nothing, needlesMoving });
-    views.push_back ({ "about", 1.0f, 2, nothing, [] (CorvaneQ7Editor& editor) { editor.openDialog (0); } });
-    views.push_back ({ "about-70", 0.7f, 2, nothing, [] (CorvaneQ7Editor& editor) { editor.openDialog (0); } });
-    views.push_back ({ "menu-settings", 1.0f, 2, nothing, [] (CorvaneQ7Editor& editor) {
-                          showMenu (editor, editor.toolbar->settingsMenu(), editor.toolbar->settingsButton);
-                      }, true });
-    views.push_back (
-        { "menu-calibration", 1.0f, 2, nothing, [] (CorvaneQ7Editor& editor) { showSettingsSubmenu (editor, 0); }, true });
-    views.push_back (
-        { "menu-oversampling", 1.0f, 2, nothing, [] (CorvaneQ7Editor& editor) { showSettingsSubmenu (editor, 1); }, true });
-    views.push_back (
-        { "menu-zoom", 0.7f, 2, nothing, [] (CorvaneQ7Editor& editor) { showSettingsSubmenu (editor, 2); }, true });
-    views.push_back ({ "menu-links", 1.0f, 2, nothing, [] (CorvaneQ7Editor& editor) {
-                          showMenu (editor, editor.bar->linksMenu(), *editor.bar->menuButton);
-                      }, true });
+    add ("zoom-70", 0.7f, nothing, needlesMoving).isReference = true;
+    add ("zoom-80", 0.8f, nothing, needlesMoving);
+    add ("zoom-90", 0.9f, nothing, needlesMoving);
+    add ("zoom-100", 1.0f, nothing, needlesMoving).isReference = true;
+    add ("hidpi", 1.0f, nothing, needlesMoving).pixelScale = 2.0f;
+    add ("lamps-on", 1.0f, lampsOn, needlesMoving).isReference = true;
+    add ("lamps-off", 1.0f, lampsOff, [] (CorvaneQ7Editor&) {});
+    add (
+        "lowest", 1.0f, [] (Processor& processor) { setAll (processor, 0.0f); },
+        [] (CorvaneQ7Editor& editor) { restNeedles (editor, 0.0f, 0.0f, 0.0f); })
+        .isReference = true;
+    add (
+        "highest", 1.0f, [] (Processor& processor) { setAll (processor, 1.0f); },
+        [] (CorvaneQ7Editor& editor) { restNeedles (editor, 1.0f, 1.0f, 1.0f); })
+        .isReference = true;
+    add (
+        "slot-b", 1.0f, [] (Processor& processor) { processor.selectSlot (1); }, needlesMoving);
+
+    auto& mono = add ("mono", 1.0f, nothing, needlesMoving);
+    mono.channels = 1;
+    mono.isReference = true;
+
+    add ("about", 1.0f, nothing, showAbout);
+    add ("about-70", 0.7f, nothing, showAbout).isReference = true;
+
+    addMenu ("menu-settings", 1.0f, showSettings);
+    addMenu ("menu-calibration", 1.0f, showSettingsSubmenu (1));
+    addMenu ("menu-oversampling", 1.0f, showSettingsSubmenu (2));
+    addMenu ("menu-zoom", 1.0f, showSettingsSubmenu (3));
+    addMenu ("menu-zoom-70", 0.7f, showSettingsSubmenu (3)).isReference = true;
+    addMenu ("menu-links", 1.0f, showLinks);
+    addMenu ("menu-links-70", 0.7f, showLinks);
 
     return views;
 }
 
-juce::Image paint (const View& view, float pixelScale)
+Picture take (const View& view, float pixelScale)
 {
     Processor processor;
     processor.setPlayConfigDetails (view.channels, view.channels, 48000.0, 512);
@@ -132,10 +188,38 @@ juce::Image paint (const View& view, float pixelScale)
     const auto size = CorvaneQ7Editor::sizeFor (view.zoom, { 0, 0, 3840, 2160 });
     editor.setSize (size.x, size.y);
     editor.mainUI->refresh();
+    editor.toolbar->refresh();
     view.arrange (editor);
 
-    const auto image = editor.createComponentSnapshot (editor.getLocalBounds(), true, pixelScale);
+    const auto scale = pixelScale * view.pixelScale;
+    Picture picture { editor.createComponentSnapshot (editor.getLocalBounds(), true, scale), {} };
+    findSystemText (editor, editor, picture.systemText);
+
+    for (auto& area : picture.systemText)
+        area = (area.toFloat() * scale).getSmallestIntegerContainer();
+
     juce::PopupMenu::dismissAllActiveMenus();
-    return image;
+    return picture;
+}
+
+bool useKnownFonts()
+{
+    const auto areThere = juce::File (knownFonts).isDirectory();
+
+#if JUCE_LINUX
+    if (areThere)
+        ::setenv ("JUCE_FONT_PATH", knownFonts, 1);
+#endif
+
+    return areThere;
+}
+
+bool writePng (const juce::Image& image, const juce::File& file)
+{
+    file.deleteFile();
+    juce::FileOutputStream stream (file);
+    // The editor covers all of its window: no transparency to keep.
+    return stream.openedOk()
+           && juce::PNGImageFormat().writeImageToStream (image.convertedToFormat (juce::Image::RGB), stream);
 }
 } // namespace EditorViews

@@ -6,8 +6,11 @@
 #include <CLI/CLI.hpp>
 #include <juce_gui_basics/juce_gui_basics.h>
 
+#include <cstdlib>
+#include <filesystem>
 #include <iostream>
 #include <string>
+#include <unistd.h>
 
 namespace
 {
@@ -15,13 +18,26 @@ juce::File inWorkingDirectory (const std::string& path)
 {
     return juce::File::getCurrentWorkingDirectory().getChildFile (juce::String::fromUTF8 (path.c_str()));
 }
-
-bool writePng (const juce::Image& image, const juce::File& file)
+/** A home folder of the program's own: pictures must not depend on the options that a user has stored. */
+class OwnHome
 {
-    file.deleteFile();
-    juce::FileOutputStream stream (file);
-    return stream.openedOk() && juce::PNGImageFormat().writeImageToStream (image, stream);
-}
+public:
+    OwnHome()
+    {
+        std::filesystem::create_directories (folder);
+        ::setenv ("HOME", folder.c_str(), 1);
+        ::unsetenv ("XDG_CONFIG_HOME");
+    }
+
+    ~OwnHome() { std::filesystem::remove_all (folder); }
+
+    OwnHome (const OwnHome&) = delete;
+    OwnHome& operator= (const OwnHome&) = delete;
+
+private:
+    const std::filesystem::path folder =
+        std::filesystem::temp_directory_path() / ("corvane-views-" + std::to_string (::getpid()));
+};
 } // namespace
 
 int main (int argc, char** argv)
@@ -30,10 +46,17 @@ int main (int argc, char** argv)
     std::string folder, geometry;
     float scale = 1.0f;
     app.add_option ("--out", folder, "write one PNG a view into this folder");
-    app.add_option ("--pixel-scale", scale, "pixels for each of the editor's: 2 is a HiDPI screen")
+    app.add_option ("--pixel-scale", scale, "pixels for each of a view's: 2 is a HiDPI screen")
         ->check (CLI::Range (0.5f, 4.0f));
     app.add_option ("--geometry", geometry, "write places and scale marks of all controls, for the artwork, as JSON");
+    bool onlyReferences = false;
+    app.add_flag ("--references", onlyReferences, "only the views that are kept and compared by the tests");
     CLI11_PARSE (app, argc, argv);
+
+    const OwnHome home;
+
+    if (! EditorViews::useKnownFonts())
+        std::cerr << "Liberation Sans is not installed: texts are written in what the system has\n";
 
     const juce::ScopedJuceInitialiser_GUI framework;
 
@@ -57,6 +80,9 @@ int main (int argc, char** argv)
 
         for (const auto& view : EditorViews::all())
         {
+            if (onlyReferences && ! view.isReference)
+                continue;
+
             if (view.needsScreen && ! hasScreen)
             {
                 std::cerr << view.name << ": left out, for there is no screen\n";
@@ -65,7 +91,7 @@ int main (int argc, char** argv)
 
             const auto file = target.getChildFile (view.name + ".png");
 
-            if (! writePng (EditorViews::paint (view, scale), file))
+            if (! EditorViews::writePng (EditorViews::paint (view, scale), file))
             {
                 std::cerr << "cannot write " << file.getFullPathName() << '\n';
                 return 1;
