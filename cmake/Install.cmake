@@ -23,7 +23,3 @@ endif()
 if (TARGET corvane-render)
     install (TARGETS corvane-render RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}" COMPONENT renderer)
 endif()
-
-# Where "Open Manual..." looks, below the system's applications folder: /usr on Linux, so install below /usr for it.
-install (FILES "${CMAKE_CURRENT_SOURCE_DIR}/docs/Corvane Q7 Manual.pdf" DESTINATION "Harbor Guild/Corvane Q7"
-         COMPONENT manual OPTIONAL)

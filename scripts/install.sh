@@ -5,8 +5,25 @@
 set -eu
 cd "$(dirname "$0")/.."
 
+# "Open Manual..." looks in one place, whatever the prefix: below the system's applications folder.
+install_manual() {
+    manual="docs/Corvane Q7 Manual.pdf"
+    [ -f "$manual" ] || return 0
+
+    applications=/usr
+    [ "$(uname)" != Darwin ] || applications=/Applications
+    folder="${DESTDIR:-}$applications/Harbor Guild/Corvane Q7"
+
+    if mkdir -p "$folder" 2>/dev/null && cp "$manual" "$folder/" 2>/dev/null; then
+        echo "$folder/Corvane Q7 Manual.pdf"
+    else
+        echo "The manual stays in docs: only root may write to $folder, where the plug-in looks for it."
+    fi
+}
+
 if [ -n "${PREFIX:-}" ] || [ -n "${DESTDIR:-}" ]; then
     cmake --install build/release --prefix "${PREFIX:-/usr/local}"
+    install_manual
     exit 0
 fi
 
@@ -23,3 +40,4 @@ put "$bundles/VST3/CorvaneQ7.vst3" "$HOME/.vst3"
 put "$bundles/LV2/CorvaneQ7.lv2" "$HOME/.lv2"
 put "$bundles/Standalone/CorvaneQ7" "$HOME/.local/bin"
 put build/release/tools/render/corvane-render "$HOME/.local/bin"
+install_manual

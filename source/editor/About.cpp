@@ -30,6 +30,7 @@ About::About()
     addAndMakeVisible (link);
 
     setTitle ("About");
+    setHelpText ("Click to close");
     setSize (boxWidth, boxHeight);
 }
 
@@ -70,3 +71,10 @@ void About::paint (juce::Graphics& g)
 }
 
 void About::mouseUp (const juce::MouseEvent&) { setVisible (false); }
+
+std::unique_ptr<juce::AccessibilityHandler> About::createAccessibilityHandler()
+{
+    return std::make_unique<juce::AccessibilityHandler> (
+        *this, juce::AccessibilityRole::dialogWindow,
+        juce::AccessibilityActions().addAction (juce::AccessibilityActionType::press, [this] { setVisible (false); }));
+}

@@ -5,7 +5,6 @@
 #include "parameters/NumberText.h"
 
 #include <algorithm>
-#include <cmath>
 
 namespace
 {
@@ -18,8 +17,6 @@ void refuseKeyboardFocus (juce::Component& component)
         refuseKeyboardFocus (*child);
     }
 }
-
-constexpr float smallestZoom = 0.1f;
 } // namespace
 
 CorvaneQ7Editor::CorvaneQ7Editor (CorvaneQ7AudioProcessor& processorToShow)
@@ -100,7 +97,7 @@ juce::Point<int> CorvaneQ7Editor::sizeFor (float zoom, juce::Rectangle<int> moni
     const auto monitorHeight = static_cast<double> (monitor.getHeight());
     const auto limitWidth = std::min (monitorWidth, monitorHeight * aspectRatio);
     const auto limitHeight = std::min (monitorHeight, monitorWidth / aspectRatio);
-    const auto factor = std::isnan (zoom) ? 1.0f : std::max (zoom, smallestZoom);
+    const auto factor = usableZoom (zoom);
 
     // Truncated, and the factor's product in single precision.
     const auto side = [factor] (int base, double limit)

@@ -27,8 +27,7 @@ public:
     static constexpr double aspectRatio = 1.8672199170124482;
     static constexpr double screenFraction = 0.8; // of the monitor that the window may take, at most
 
-    /** The size in px of a zoom factor on a monitor of that size. A factor that is no number counts as 1, and one below
-        0.1 as 0.1, so that no session can make the window vanish. */
+    /** The size in px of a zoom factor, in its usable range, on a monitor of that size. */
     static juce::Point<int> sizeFor (float zoom, juce::Rectangle<int> monitor) noexcept;
 
     void paint (juce::Graphics&) override;
@@ -40,7 +39,7 @@ public:
     void closeDialog (int dialogId) override;
     void applyZoom() override;
 
-    // Declared from the top downwards: the box goes last, and what was made first goes at the very end.
+    // In the order of making; they go in the opposite one, the box first.
     std::unique_ptr<KMBar> bar;
     std::unique_ptr<TopToolbar> toolbar;
     std::unique_ptr<MainUI> mainUI;

@@ -1,44 +1,16 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "editor/KMBar.h"
 
-#include "assets/Assets.h"
 #include "editor/ProductLinks.h"
 
 namespace
 {
 constexpr int logoWidth = 114, keySize = 24;
-
-std::unique_ptr<juce::ImageButton> twoStateButton (const Assets::TwoStates& images)
-{
-    constexpr auto opaque = 1.0f; // the framework paints nothing at an opacity of 0
-    const auto noTint = juce::Colours::transparentBlack;
-
-    auto button = std::make_unique<juce::ImageButton>();
-    button->setImages (false, true, true, images.off, opaque, noTint, {}, opaque, noTint, images.on, opaque, noTint);
-    return button;
-}
 } // namespace
 
-void KMBar::LNF::drawPopupMenuBackground (juce::Graphics& g, int width, int height)
-{
-    PopupStyle::drawBackground (g, width, height);
-}
-
-void KMBar::LNF::drawPopupMenuItem (juce::Graphics& g, const juce::Rectangle<int>& area, bool isSeparator,
-                                    bool isActive, bool isHighlighted, bool isTicked, bool hasSubMenu,
-                                    const juce::String& text, const juce::String& shortcutKeyText,
-                                    const juce::Drawable* icon, const juce::Colour* textColour)
-{
-    if (isSeparator)
-        LookAndFeel_V3::drawPopupMenuItem (g, area, true, isActive, isHighlighted, isTicked, hasSubMenu, text,
-                                           shortcutKeyText, icon, textColour);
-    else
-        PopupStyle::drawRow (g, *this, area, isActive, isHighlighted, isTicked, hasSubMenu, text, shortcutKeyText, icon,
-                             textColour);
-}
-
 KMBar::KMBar()
-    : logoButton (twoStateButton (Assets::barLogo())), menuButton (twoStateButton (Assets::barMenu())),
+    : logoButton (std::make_unique<PictureButton> (Assets::barLogo())),
+      menuButton (std::make_unique<PictureButton> (Assets::barMenu())),
       openAddress ([] (const juce::String& address) { juce::URL (address).launchInDefaultBrowser(); }),
       openFile ([] (const juce::File& file) { file.startAsProcess(); })
 {
@@ -54,7 +26,11 @@ KMBar::KMBar()
     }
 }
 
-KMBar::~KMBar() { setLookAndFeel (nullptr); }
+KMBar::~KMBar()
+{
+    lookAndFeel.releaseMenusIn (getParentComponent());
+    setLookAndFeel (nullptr);
+}
 
 void KMBar::paint (juce::Graphics& g) { g.fillAll (juce::Colours::black); }
 
@@ -80,8 +56,8 @@ juce::PopupMenu KMBar::linksMenu()
     menu.addSeparator();
     menu.addItem (productId, "Product Info...");
     menu.addItem (updatesId, "Download Updates...");
-    menu.addItem (distributorId, "Harbor Guild Website...");
-    menu.addItem (brandId, "Corvane Plugins Website...");
+    menu.addItem (distributorId, juce::String (ProductLinks::distributorName) + " Website...");
+    menu.addItem (brandId, juce::String (ProductLinks::brandName) + " Website...");
     return menu;
 }
 
@@ -103,7 +79,7 @@ void KMBar::performMenuItem (int id)
 
 void KMBar::showMenu()
 {
-    // Within the editor: no window of its own that could outlive it or lose its corners, and it closes with us.
+    // Within the editor: no window of its own that could outlive us, and see-through corners on every screen.
     const auto options = juce::PopupMenu::Options()
                              .withTargetComponent (*menuButton)
                              .withParentComponent (getParentComponent())

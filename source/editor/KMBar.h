@@ -2,6 +2,7 @@
 #pragma once
 
 #include "editor/widgets/NVXLNF.h"
+#include "editor/widgets/PictureButton.h"
 
 #include <functional>
 
@@ -11,16 +12,8 @@ class KMBar : public juce::Component, public juce::Button::Listener
 {
 public:
     /** The menus' look alone. */
-    class LNF : public juce::LookAndFeel_V3
+    class LNF : public PopupLook
     {
-    public:
-        LNF() { PopupStyle::setColours (*this); }
-
-        void drawPopupMenuBackground (juce::Graphics&, int width, int height) override;
-        void drawPopupMenuItem (juce::Graphics&, const juce::Rectangle<int>& area, bool isSeparator, bool isActive,
-                                bool isHighlighted, bool isTicked, bool hasSubMenu, const juce::String& text,
-                                const juce::String& shortcutKeyText, const juce::Drawable* icon,
-                                const juce::Colour* textColour) override;
     };
 
     KMBar();
@@ -47,7 +40,7 @@ public:
     void buttonClicked (juce::Button*) override;
 
     LNF lookAndFeel; // before the widgets, which use it to their end
-    std::unique_ptr<juce::ImageButton> logoButton, menuButton;
+    std::unique_ptr<PictureButton> logoButton, menuButton;
 
     /** What opens an address and a file with the system; tests put their own here. */
     std::function<void (const juce::String&)> openAddress;

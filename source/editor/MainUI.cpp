@@ -4,6 +4,7 @@
 #include "parameters/NumberText.h"
 
 #include <cmath>
+#include <utility>
 
 namespace
 {
@@ -36,14 +37,10 @@ MainUI::MainUI (CorvaneQ7AudioProcessor& processorToShow) : NVXUI (processorToSh
 
     setSize (Layout::baseWidth, Layout::baseHeight);
 
-    bypassSwitch->addListener (this);
-
-    for (auto& band : bands)
-        for (auto* button : { band.inButton.get(), band.soloButton.get(), band.midSideButton.get() })
-            button->addListener (this);
-
-    for (auto* button : { nukeButton.get(), niveauButton.get(), linkButton.get() })
-        button->addListener (this);
+    for (const auto& entry : controlsOfParameter)
+        for (auto* control : entry.second)
+            if (auto* button = dynamic_cast<NVXButton*> (control))
+                button->addListener (this);
 }
 
 MainUI::~MainUI()
@@ -51,42 +48,45 @@ MainUI::~MainUI()
     stopTimer (refreshTimer);
     stopTimer (meterTimer);
     setLookAndFeel (nullptr);
+
+    // A knob that is held while it goes ends its drag: the gestures close themselves, and nobody shall be called here.
+    for (const auto& entry : parameterOfControl)
+        if (auto* slider = dynamic_cast<juce::Slider*> (entry.first))
+            slider->removeListener (this);
 }
 
 template <typename Widget>
-void MainUI::add (std::unique_ptr<Widget>& place)
+void MainUI::add (std::unique_ptr<Widget>& widget)
 {
-    addAndMakeVisible (*place);
+    addAndMakeVisible (*widget);
 }
 
 template <typename Knob>
-void MainUI::addKnob (std::unique_ptr<NVXSlider>& place)
+void MainUI::addKnob (std::unique_ptr<NVXSlider>& knob)
 {
-    place = std::make_unique<Knob>();
-    place->setTextBoxStyle (juce::Slider::NoTextBox, false, 80, 20);
-    place->addListener (this);
-    add (place);
+    knob = std::make_unique<Knob>();
+    knob->setTextBoxStyle (juce::Slider::NoTextBox, false, 80, 20);
+    knob->addListener (this);
+    add (knob);
 }
 
-void MainUI::addLabel (std::unique_ptr<juce::Label>& place, juce::Justification justification, juce::Colour colour)
+void MainUI::addLabel (std::unique_ptr<juce::Label>& label, juce::Justification justification, juce::Colour colour)
 {
-    place = std::make_unique<juce::Label>();
-    place->setEditable (false, false, false);
-    place->setJustificationType (justification);
-    place->setColour (juce::Label::textColourId, colour);
-    add (place);
+    label = std::make_unique<juce::Label>();
+    label->setEditable (false, false, false);
+    label->setJustificationType (justification);
+    label->setColour (juce::Label::textColourId, colour);
+    label->setAccessible (false); // the control that it belongs to says the same, with a name
+    add (label);
 }
 
-void MainUI::addLamp (std::unique_ptr<juce::ImageButton>& place, const Assets::TwoStates& images, bool takesClicks)
+void MainUI::addLamp (std::unique_ptr<PictureButton>& lamp, const Assets::TwoStates& images, bool takesClicks)
 {
-    constexpr auto opaque = 1.0f; // the framework paints nothing at an opacity of 0
-    const auto noTint = juce::Colours::transparentBlack;
-
-    place = std::make_unique<juce::ImageButton>();
-    place->setImages (false, true, true, images.off, opaque, noTint, {}, opaque, noTint, images.on, opaque, noTint);
-    place->setInterceptsMouseClicks (takesClicks, takesClicks);
-    place->addListener (this);
-    add (place);
+    lamp = std::make_unique<PictureButton> (images);
+    lamp->tellsState = true;
+    lamp->setInterceptsMouseClicks (takesClicks, takesClicks);
+    lamp->addListener (this);
+    add (lamp);
 }
 
 void MainUI::createWidgets()
@@ -209,12 +209,18 @@ void MainUI::bindControls()
             bindControl (index++, control);
     }
 
-    juce::Component* const globals[] { mix.get(),          highPass.get(),   master.get(),
-                                       lowXOver.get(),     highXOver.get(),  nukeButton.get(),
-                                       niveauButton.get(), linkButton.get(), bypassSwitch.get() };
+    const std::pair<const char*, juce::Component*> globals[] { { "Mix", mix.get() },
+                                                               { "HPF", highPass.get() },
+                                                               { "MasterGain", master.get() },
+                                                               { "LowXOver", lowXOver.get() },
+                                                               { "HighXOver", highXOver.get() },
+                                                               { "Nuke", nukeButton.get() },
+                                                               { "Niveau", niveauButton.get() },
+                                                               { "Link", linkButton.get() },
+                                                               { "Bypass", bypassSwitch.get() } };
 
-    for (auto* control : globals)
-        bindControl (index++, control);
+    for (const auto& [identifier, control] : globals)
+        bindControl (ParameterTable::indexOf (identifier), control);
 }
 
 void MainUI::setDefaults()
@@ -254,8 +260,11 @@ void MainUI::describeControls()
 
             if (auto* slider = dynamic_cast<juce::Slider*> (control))
             {
-                slider->textFromValueFunction = [parameter] (double value)
-                { return parameter->getText (static_cast<float> (value), 64); };
+                // A snapped slider stands beside the control's own value by a hair, which can tip a text.
+                slider->textFromValueFunction = [parameter, slider] (double value) {
+                    return parameter->getText (
+                        value == slider->getValue() ? parameter->getValue() : static_cast<float> (value), 64);
+                };
                 slider->valueFromTextFunction = [parameter] (const juce::String& text)
                 { return static_cast<double> (parameter->getValueForText (text)); };
             }
@@ -275,21 +284,12 @@ void MainUI::describeControls()
         band.sideLamp->setTitle (name + " Side Only");
 
         // The buttons beside them say the same.
-        for (auto* silent : std::initializer_list<juce::Component*> { band.inLamp.get(), band.soloLamp.get(),
-                                                                      band.midLabel.get(), band.sideLabel.get() })
-            silent->setAccessible (false);
+        band.inLamp->setAccessible (false);
+        band.soloLamp->setAccessible (false);
     }
 
-    masterReadout->setTitle ("Master Gain");
-    mixReadout->setTitle ("Mix");
-    highPassReadout->setTitle ("HPF");
-    lowXOverDigits->setTitle ("Low Crossover");
-    highXOverDigits->setTitle ("High Crossover");
-
-    for (auto* silent :
-         std::initializer_list<juce::Component*> { lowXOverGhost.get(), highXOverGhost.get(), bypassLamp.get(),
-                                                   nukeLamp.get(), niveauLamp.get(), linkLamp.get() })
-        silent->setAccessible (false);
+    for (auto* lamp : { bypassLamp.get(), nukeLamp.get(), niveauLamp.get(), linkLamp.get() })
+        lamp->setAccessible (false);
 }
 
 // ---- showing -----------------------------------------------------------------------------------
@@ -411,25 +411,29 @@ void MainUI::refresh()
     constexpr auto silently = juce::dontSendNotification;
     const auto& settings = processor->activeSettings();
 
+    // Each field is read once, so that knob and text of a tick agree while automation writes.
+    const auto mixShare = settings.mix;
+    const auto hpfHz = settings.hpfHz, lowHz = settings.lowXOverHz, highHz = settings.highXOverHz;
+    const auto masterDb = settings.masterGainDb.target;
+
     for (int i = 0; i < numBands; ++i)
         refreshBand (i, settings.bands[i]);
 
-    mix->setValue (clampedShare (settings.mix), silently);
-    mixReadout->setText (juce::String (NumberText::toInt (settings.mix * 100.0)) + " %", silently);
+    // In float, as the host's own text has it: 0.29 shows 29.
+    mix->showValue (clampedShare (mixShare));
+    mixReadout->setText (juce::String (NumberText::toInt (static_cast<float> (mixShare) * 100.0f)) + " %", silently);
 
-    const auto hpfHz = settings.hpfHz;
-    highPass->setValue (std::log10 (hpfHz / 20.0) / 1.3979400087, silently);
+    highPass->showValue (std::log10 (hpfHz / 20.0) / 1.3979400087);
     highPassReadout->setText (hpfHz >= 20.01 ? juce::String (NumberText::toInt (hpfHz)) + " Hz" : juce::String ("OFF"),
                               silently);
 
-    const auto masterDb = settings.masterGainDb.target;
-    master->setValue (clampedShare ((masterDb + 10.0) / 30.0), silently);
+    master->showValue (clampedShare ((masterDb + 10.0) / 30.0));
     masterReadout->setText (NumberText::fixed (masterDb, 1) + " dB", silently);
 
-    lowXOver->setValue (std::log10 (settings.lowXOverHz / 50.0) * 0.5, silently);
-    setDigits (settings.lowXOverHz, *lowXOverGhost, *lowXOverDigits);
-    highXOver->setValue (std::log10 (settings.highXOverHz / 200.0) / 1.778151250383644, silently);
-    setDigits (settings.highXOverHz, *highXOverGhost, *highXOverDigits);
+    lowXOver->showValue (std::log10 (lowHz / 50.0) * 0.5);
+    setDigits (lowHz, *lowXOverGhost, *lowXOverDigits);
+    highXOver->showValue (std::log10 (highHz / 200.0) / 1.778151250383644);
+    setDigits (highHz, *highXOverGhost, *highXOverDigits);
 
     nukeLamp->setToggleState (settings.nuke, silently);
     niveauLamp->setToggleState (settings.niveau, silently);
@@ -447,19 +451,19 @@ void MainUI::refreshBand (int index, const ChannelSettings::Band& settings)
     constexpr auto silently = juce::dontSendNotification;
     auto& band = bands[static_cast<size_t> (index)];
 
-    band.meterMode->setValue (settings.meter * 0.5, silently);
+    band.meterMode->showValue (settings.meter * 0.5);
     band.inLamp->setToggleState (settings.in, silently);
     band.soloLamp->setToggleState (settings.solo, silently);
 
     // Gain and threshold stand on the grids that their controls have.
     const auto wholeDb = std::floor (settings.gainDb.target + 0.5);
-    band.gain->setValue (clampedShare ((wholeDb + 1.0) / 21.0), silently);
+    band.gain->showValue (clampedShare ((wholeDb + 1.0) / 21.0));
     const auto evenDb = 2.0 * std::floor (settings.thresholdDb.target / 2.0 + 0.5);
-    band.threshold->setValue (clampedShare ((evenDb + 20.0) / 30.0), silently);
+    band.threshold->showValue (clampedShare ((evenDb + 20.0) / 30.0));
 
-    band.ratio->setValue (settings.ratio * 0.25, silently);
-    band.attack->setValue (settings.attack / 3.0, silently);
-    band.recovery->setValue (settings.recovery * 0.25, silently);
+    band.ratio->showValue (settings.ratio * 0.25);
+    band.attack->showValue (settings.attack / 3.0);
+    band.recovery->showValue (settings.recovery * 0.25);
 }
 
 void MainUI::refreshMidSide (const ChannelSettings& settings)
@@ -522,10 +526,7 @@ void MainUI::sliderValueChanged (juce::Slider* slider)
                                           processor->isParameterOrientationInverted (index) ? 1.0f - value : value);
 }
 
-void MainUI::sliderDragStarted (juce::Slider* slider) { sendGesture (slider, true); }
-void MainUI::sliderDragEnded (juce::Slider* slider) { sendGesture (slider, false); }
-
-void MainUI::sendGesture (juce::Slider* slider, bool begins)
+void MainUI::sliderDragStarted (juce::Slider* slider)
 {
     const auto index = getControlParameterIndex (*slider);
     const auto* knob = dynamic_cast<NVXSlider*> (slider);
@@ -533,29 +534,17 @@ void MainUI::sendGesture (juce::Slider* slider, bool begins)
     if (index < 0 || (knob != nullptr && knob->isWheelMoving()))
         return;
 
-    const auto send = [this, begins] (int parameter)
-    {
-        if (begins)
-            processor->beginParameterChangeGesture (parameter);
-        else
-            processor->endParameterChangeGesture (parameter);
-    };
-
-    send (index);
+    std::vector<int> held { index };
 
     // A linked control moves its two siblings: hosts that record automation want to know of those as well.
-    if (processor->activeSettings().link && ParameterTable::isBandControl (index) && mirrorsGestures())
+    if (processor->activeSettings().link && ParameterTable::isBandControl (index) && ! processor->hostWantsSilentLink())
         for (const auto sibling : ParameterTable::siblingsOf (index))
-            send (sibling);
+            held.push_back (sibling);
+
+    gestures.begin (slider, std::move (held));
 }
 
-bool MainUI::mirrorsGestures() const
-{
-    // One family of hosts of the older wrapper takes the siblings' gestures amiss.
-    constexpr int firstHost = 22, lastHost = 28;
-    return ! (processor->wrapperType == juce::AudioProcessor::wrapperType_VST && processor->hostType >= firstHost
-              && processor->hostType <= lastHost);
-}
+void MainUI::sliderDragEnded (juce::Slider* slider) { gestures.end (slider); }
 
 template <typename Change>
 void MainUI::changeParameter (int index, Change change)

@@ -2,11 +2,13 @@
 #pragma once
 
 #include "editor/DialogListener.h"
+#include "editor/Gestures.h"
 #include "editor/MainUILayout.h"
 #include "editor/NVXUI.h"
 #include "editor/widgets/Buttons.h"
 #include "editor/widgets/Knobs.h"
 #include "editor/widgets/NVXLNF.h"
+#include "editor/widgets/PictureButton.h"
 #include "editor/widgets/VertMeter.h"
 #include "processor/CorvaneQ7AudioProcessor.h"
 
@@ -66,7 +68,7 @@ public:
         std::unique_ptr<juce::Label> sideLabel, midLabel;
         std::unique_ptr<VertMeter> meter;
         std::unique_ptr<NVXSlider> ratio, attack, recovery, gain, threshold, meterMode;
-        std::unique_ptr<juce::ImageButton> inLamp, soloLamp, midLamp, sideLamp;
+        std::unique_ptr<PictureButton> inLamp, soloLamp, midLamp, sideLamp;
         std::unique_ptr<NVXButton> inButton, soloButton, midSideButton;
     };
 
@@ -74,7 +76,7 @@ public:
     std::unique_ptr<juce::Label> masterReadout, mixReadout, highPassReadout;
     std::unique_ptr<juce::Label> lowXOverGhost, highXOverGhost, lowXOverDigits, highXOverDigits;
     std::unique_ptr<NVXSlider> highPass, mix, master, lowXOver, highXOver;
-    std::unique_ptr<juce::ImageButton> bypassLamp, nukeLamp, niveauLamp, linkLamp;
+    std::unique_ptr<PictureButton> bypassLamp, nukeLamp, niveauLamp, linkLamp;
     std::unique_ptr<NVXButton> bypassSwitch, nukeButton, niveauButton, linkButton;
 
     bool stereoShown = false; // whether the mid/side controls are to be seen
@@ -87,11 +89,11 @@ private:
     void describeControls();
 
     template <typename Widget>
-    void add (std::unique_ptr<Widget>& place);
+    void add (std::unique_ptr<Widget>& widget);
     template <typename Knob>
-    void addKnob (std::unique_ptr<NVXSlider>& place);
-    void addLabel (std::unique_ptr<juce::Label>& place, juce::Justification, juce::Colour);
-    void addLamp (std::unique_ptr<juce::ImageButton>& place, const Assets::TwoStates&, bool takesClicks);
+    void addKnob (std::unique_ptr<NVXSlider>& knob);
+    void addLabel (std::unique_ptr<juce::Label>& label, juce::Justification, juce::Colour);
+    void addLamp (std::unique_ptr<PictureButton>& lamp, const Assets::TwoStates&, bool takesClicks);
 
     void showMidSide (bool shouldBeSeen);
     void refreshBand (int band, const ChannelSettings::Band& settings);
@@ -101,10 +103,9 @@ private:
     template <typename Change>
     void changeParameter (int index, Change change);
     bool clickedMidSideLamp (juce::Button*);
-    void sendGesture (juce::Slider*, bool begins);
-    bool mirrorsGestures() const;
 
     juce::Image background;
+    Gestures gestures { *processor };
     juce::Font digits;
 
     JUCE_DECLARE_NON_COPYABLE_WITH_LEAK_DETECTOR (MainUI)

@@ -10,6 +10,7 @@ namespace ProductLinks
 constexpr const char* productName = "Corvane Q7";
 constexpr const char* productSlug = "corvane_q7";
 constexpr const char* distributorName = "Harbor Guild";
+constexpr const char* brandName = "Corvane Plugins";
 
 constexpr const char* programmer = "Corvane Workshop";          // the first credit
 constexpr const char* conceptAuthor = "Corvane Listening Room"; // the second

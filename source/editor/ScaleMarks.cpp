@@ -6,6 +6,9 @@
 
 #include <juce_core/juce_core.h>
 
+#include <algorithm>
+#include <cmath>
+
 namespace ScaleMarks
 {
 namespace

@@ -5,6 +5,7 @@
 #include "parameters/NumberText.h"
 #include "parameters/ParameterTable.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace
@@ -33,11 +34,12 @@ TopToolbar::TopToolbar (CorvaneQ7AudioProcessor& processorToShow) : NVXUI (proce
     setOpaque (true);
     setLookAndFeel (&lookAndFeel);
 
-    addKey (settingsButton, Assets::settingsKey(), "Settings");
-    addKey (aButton, Assets::slotAKey(), "Slot A");
-    addKey (copyAtoBButton, Assets::copyAToBKey(), "Copy A to B");
-    addKey (bButton, Assets::slotBKey(), "Slot B");
-    addKey (copyBtoAButton, Assets::copyBToAKey(), "Copy B to A");
+    addKey (settingsButton, "Settings");
+    addKey (aButton, "Slot A");
+    addKey (copyAtoBButton, "Copy A to B");
+    addKey (bButton, "Slot B");
+    addKey (copyBtoAButton, "Copy B to A");
+    aButton.tellsState = bButton.tellsState = true;
     addLabel (inLabel, "IN");
     addTrim (inLevelSlider, "InLevel");
     addLabel (outLabel, "OUT");
@@ -47,16 +49,15 @@ TopToolbar::TopToolbar (CorvaneQ7AudioProcessor& processorToShow) : NVXUI (proce
 TopToolbar::~TopToolbar()
 {
     stopTimer (refreshTimer);
+    lookAndFeel.releaseMenusIn (getParentComponent());
     setLookAndFeel (nullptr);
+
+    for (auto* trim : { &inLevelSlider, &outLevelSlider })
+        trim->removeListener (this);
 }
 
-void TopToolbar::addKey (juce::ImageButton& key, const Assets::KeyImages& images, const juce::String& title)
+void TopToolbar::addKey (PictureButton& key, const juce::String& title)
 {
-    constexpr auto opaque = 1.0f; // the framework paints nothing at an opacity of 0
-    const auto noTint = juce::Colours::transparentBlack;
-
-    key.setImages (false, true, true, images.normal, opaque, noTint, images.over, opaque, noTint, images.down, opaque,
-                   noTint);
     key.setTitle (title);
     key.addListener (this);
     addAndMakeVisible (key);
@@ -152,21 +153,13 @@ void TopToolbar::sliderValueChanged (juce::Slider* slider)
                                               static_cast<float> (slider->getValue() / (2.0 * trimRangeDb) + 0.5));
 }
 
-void TopToolbar::sliderDragStarted (juce::Slider* slider) { sendGesture (slider, true); }
-void TopToolbar::sliderDragEnded (juce::Slider* slider) { sendGesture (slider, false); }
-
-void TopToolbar::sendGesture (juce::Slider* slider, bool begins)
+void TopToolbar::sliderDragStarted (juce::Slider* slider)
 {
-    const auto index = getControlParameterIndex (*slider);
-
-    if (index < 0)
-        return;
-
-    if (begins)
-        processor->beginParameterChangeGesture (index);
-    else
-        processor->endParameterChangeGesture (index);
+    if (const auto index = getControlParameterIndex (*slider); index >= 0)
+        gestures.begin (slider, { index });
 }
+
+void TopToolbar::sliderDragEnded (juce::Slider* slider) { gestures.end (slider); }
 
 void TopToolbar::buttonClicked (juce::Button* button)
 {
@@ -210,13 +203,13 @@ juce::PopupMenu TopToolbar::settingsMenu()
     juce::PopupMenu oversampling;
 
     for (int i = 0; i < juce::numElementsInArray (factors); ++i)
-        addChoice (oversampling, firstOversamplingId + i, factorText (factors[i]), factors[i] == factor,
+        addChoice (oversampling, firstOversamplingId + i, factorText (factors[i]), factors[i] == std::max (factor, 1),
                    factors[i] == stored.oversampling());
 
     oversampling.addSeparator();
     oversampling.addItem (saveOversamplingId, "Save as default");
 
-    const auto zoom = static_cast<double> (processor->uiZoom);
+    const auto zoom = static_cast<double> (ZoomableUI::usableZoom (processor->uiZoom));
     juce::PopupMenu zooms;
 
     for (int i = 0; i < juce::numElementsInArray (zoomPercents); ++i)
@@ -271,13 +264,13 @@ void TopToolbar::performMenuItem (int id)
     }
     else if (id == saveZoomId)
     {
-        stored.saveUiZoom (static_cast<double> (processor->uiZoom));
+        stored.saveUiZoom (static_cast<double> (ZoomableUI::usableZoom (processor->uiZoom)));
     }
 }
 
 void TopToolbar::showSettingsMenu()
 {
-    // Within the editor: no window of its own that could outlive it or lose its corners, and it closes with us.
+    // Within the editor: no window of its own that could outlive us, and see-through corners on every screen.
     const auto options = juce::PopupMenu::Options()
                              .withTargetComponent (settingsButton)
                              .withParentComponent (getParentComponent())

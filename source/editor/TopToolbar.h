@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "assets/Assets.h"
 #include "editor/DialogListener.h"
+#include "editor/Gestures.h"
 #include "editor/NVXUI.h"
 #include "editor/widgets/NVXLNF.h"
+#include "editor/widgets/PictureButton.h"
 #include "processor/CorvaneQ7AudioProcessor.h"
 
 /** The strip above the front, 24 px at every zoom: slots A and B, the trims of input and output, and the settings menu.
@@ -61,16 +62,19 @@ public:
     NVXLNF lookAndFeel; // before the widgets, which use it to their end
     DialogListener* dialogListener = nullptr;
 
-    juce::ImageButton settingsButton, aButton, copyAtoBButton, bButton, copyBtoAButton;
+    PictureButton settingsButton { Assets::settingsKey() }, aButton { Assets::slotAKey() };
+    PictureButton copyAtoBButton { Assets::copyAToBKey() }, bButton { Assets::slotBKey() };
+    PictureButton copyBtoAButton { Assets::copyBToAKey() };
     juce::Label inLabel, outLabel;
     juce::Slider inLevelSlider, outLevelSlider;
 
 private:
-    void addKey (juce::ImageButton&, const Assets::KeyImages&, const juce::String& title);
+    void addKey (PictureButton&, const juce::String& title);
     void addLabel (juce::Label&, const juce::String& text);
     void addTrim (juce::Slider&, const char* identifier);
     void showSettingsMenu();
-    void sendGesture (juce::Slider*, bool begins);
+
+    Gestures gestures { *processor };
 
     JUCE_DECLARE_NON_COPYABLE_WITH_LEAK_DETECTOR (TopToolbar)
 };

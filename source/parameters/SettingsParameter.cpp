@@ -8,12 +8,6 @@ namespace
 {
 /** Identifiers are stored by hosts; the version hint orders them in one format and never changes. */
 constexpr int versionHint = 1;
-
-/** A range of host codes of the framework for which linked changes are not notified, in one old wrapper only. */
-bool hostWantsSilentLink (const CorvaneQ7AudioProcessor& owner) noexcept
-{
-    return owner.wrapperType == juce::AudioProcessor::wrapperType_VST && owner.hostType >= 22 && owner.hostType <= 28;
-}
 } // namespace
 
 SettingsParameter::SettingsParameter (const juce::String& identifier, const juce::String& displayName,
@@ -60,7 +54,7 @@ void SettingsParameter::forwardLink (float newValue)
 
 void SettingsParameter::forwardTo (ChannelSettings& record, int index, float newValue)
 {
-    if (hostWantsSilentLink (record.owner))
+    if (record.owner.hostWantsSilentLink())
         record.owner.setParameter (index, newValue);
     else
         record.owner.setParameterNotifyingHost (index, newValue);

@@ -109,6 +109,13 @@ bool CorvaneQ7AudioProcessor::isParameterOrientationInverted (int index) const
     return parameter != nullptr && parameter->isOrientationInverted();
 }
 
+bool CorvaneQ7AudioProcessor::hostWantsSilentLink() const noexcept
+{
+    // A range of the framework's codes of hosts.
+    constexpr int firstHost = 22, lastHost = 28;
+    return wrapperType == wrapperType_VST && hostType >= firstHost && hostType <= lastHost;
+}
+
 void CorvaneQ7AudioProcessor::beginParameterChangeGesture (int index)
 {
     if (auto* parameter = getParameters()[index])

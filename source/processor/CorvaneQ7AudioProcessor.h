@@ -91,6 +91,9 @@ public:
     /** The same, and tells the host and other listeners. */
     void setParameterNotifyingHost (int index, float newValue);
 
+    /** True in the hosts of an old wrapper that take linked changes and gestures of a touched control's siblings amiss. */
+    bool hostWantsSilentLink() const noexcept;
+
     // ---- the road of a control change --------------------------------------------------------
     /** The record behind the audible slot. */
     ChannelSettings& activeSettings() noexcept { return settingsSlots[activeSlot]; }

@@ -47,5 +47,6 @@ std::unique_ptr<juce::AccessibilityHandler> NVXButton::createAccessibilityHandle
 {
     return AccessibleText::handlerFor (
         *this, juce::AccessibilityRole::button, valueText,
-        juce::AccessibilityActions().addAction (juce::AccessibilityActionType::press, [this] { triggerClick(); }));
+        juce::AccessibilityActions().addAction (juce::AccessibilityActionType::press,
+                                                [this] { internalClickCallback (juce::ModifierKeys()); }));
 }

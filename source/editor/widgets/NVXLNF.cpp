@@ -3,11 +3,10 @@
 
 #include <algorithm>
 
-namespace PopupStyle
-{
 namespace
 {
 const juce::Colour sheet { 0xfffcfcfc };
+const juce::Colour highlight { 0xff626c77 };
 constexpr float cornerSize = 5.0f;
 constexpr float shading = 0.4f; // how much lighter and darker the highlight's edges are
 
@@ -35,20 +34,8 @@ juce::Rectangle<float> iconArea (const juce::Rectangle<int>& area)
     return { static_cast<float> (area.getX() + 4), static_cast<float> (area.getY() + 4),
              static_cast<float> (width < 1 ? 0 : width), static_cast<float> (height < 1 ? 0 : height) };
 }
-} // namespace
 
-void setColours (juce::LookAndFeel& look)
-{
-    look.setColour (juce::PopupMenu::backgroundColourId, juce::Colour());
-    look.setColour (juce::PopupMenu::highlightedBackgroundColourId, highlight);
-}
-
-void drawBackground (juce::Graphics& g, int width, int height)
-{
-    g.setColour (sheet);
-    g.fillRoundedRectangle (0.0f, 0.0f, static_cast<float> (width), static_cast<float> (height), cornerSize);
-}
-
+/** A row without a separator: shading of the highlight, tick or icon, text, arrow of a submenu. */
 void drawRow (juce::Graphics& g, juce::LookAndFeel& look, const juce::Rectangle<int>& area, bool isActive,
               bool isHighlighted, bool isTicked, bool hasSubMenu, const juce::String& text,
               const juce::String& shortcutKeyText, const juce::Drawable* icon, const juce::Colour* textColour)
@@ -100,30 +87,47 @@ void drawRow (juce::Graphics& g, juce::LookAndFeel& look, const juce::Rectangle<
 
     if (shortcutKeyText.isNotEmpty())
     {
-        g.setFont (font.withHeight (font.getHeight() * 0.75f));
+        g.setFont (font.withHeight (font.getHeight() * 0.75f).withHorizontalScale (0.95f));
         g.drawText (shortcutKeyText, row, juce::Justification::centredRight, true);
     }
 }
-} // namespace PopupStyle
+} // namespace
 
-NVXLNF::NVXLNF() { PopupStyle::setColours (*this); }
-
-void NVXLNF::drawPopupMenuBackground (juce::Graphics& g, int width, int height)
+PopupLook::PopupLook()
 {
-    PopupStyle::drawBackground (g, width, height);
+    setColour (juce::PopupMenu::backgroundColourId, juce::Colour());
+    setColour (juce::PopupMenu::highlightedBackgroundColourId, highlight);
 }
 
-void NVXLNF::drawPopupMenuItem (juce::Graphics& g, const juce::Rectangle<int>& area, bool isSeparator, bool isActive,
-                                bool isHighlighted, bool isTicked, bool hasSubMenu, const juce::String& text,
-                                const juce::String& shortcutKeyText, const juce::Drawable* icon,
-                                const juce::Colour* textColour)
+void PopupLook::drawPopupMenuBackground (juce::Graphics& g, int width, int height)
+{
+    g.setColour (sheet);
+    g.fillRoundedRectangle (0.0f, 0.0f, static_cast<float> (width), static_cast<float> (height), cornerSize);
+}
+
+void PopupLook::drawPopupMenuItem (juce::Graphics& g, const juce::Rectangle<int>& area, bool isSeparator, bool isActive,
+                                   bool isHighlighted, bool isTicked, bool hasSubMenu, const juce::String& text,
+                                   const juce::String& shortcutKeyText, const juce::Drawable* icon,
+                                   const juce::Colour* textColour)
 {
     if (isSeparator)
         LookAndFeel_V3::drawPopupMenuItem (g, area, true, isActive, isHighlighted, isTicked, hasSubMenu, text,
                                            shortcutKeyText, icon, textColour);
     else
-        PopupStyle::drawRow (g, *this, area, isActive, isHighlighted, isTicked, hasSubMenu, text, shortcutKeyText, icon,
-                             textColour);
+        drawRow (g, *this, area, isActive, isHighlighted, isTicked, hasSubMenu, text, shortcutKeyText, icon,
+                 textColour);
+}
+
+void PopupLook::preparePopupMenuWindow (juce::Component& menu) { menu.setOpaque (false); }
+
+void PopupLook::releaseMenusIn (juce::Component* parent)
+{
+    if (parent == nullptr)
+        return;
+
+    for (auto* child : parent->getChildren())
+        if (&child->getLookAndFeel() == this && child->getName() == "menu")
+            child->setLookAndFeel (nullptr);
 }
 
 void NVXLNF::drawButtonBackground (juce::Graphics& g, juce::Button& button, const juce::Colour& backgroundColour,

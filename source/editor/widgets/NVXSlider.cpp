@@ -85,11 +85,21 @@ void NVXSlider::mouseWheelMove (const juce::MouseEvent& event, const juce::Mouse
     {
         wheelAccumulator -= steps;
         const auto moved = getValue() + static_cast<double> (steps) * getInterval();
+        const auto before = getValue();
         setValue (juce::jlimit (getMinimum(), getMaximum(), moved), juce::sendNotificationAsync);
+        stepPending = stepPending || getValue() != before;
     }
 
     startTimer (wheelMemoryMs);
 }
+
+void NVXSlider::showValue (double value)
+{
+    if (! stepPending)
+        setValue (value, juce::dontSendNotification);
+}
+
+void NVXSlider::valueChanged() { stepPending = false; }
 
 void NVXSlider::timerCallback()
 {

@@ -10,7 +10,7 @@
     so light and shadow stay.
 
     Dragging, double-click and snapping are the framework's. The wheel is refined: a trackpad's small moves add up to
-    whole steps on a stepped knob, and Ctrl alone makes the wheel ten times finer.
+    whole steps on a stepped knob, and Ctrl alone makes the wheel ten times finer on one without steps.
 
     Value    0 to 1, normalised.
     Angles   radians, clockwise from straight up.
@@ -27,6 +27,10 @@ public:
     /** The rotor's angle at the present value. */
     float rotorAngle() const noexcept;
 
+    /** Shows a value with no notification, unless a step of the user's own is still on its way to the listeners: what
+        is shown then would be sent in its stead. */
+    void showValue (double value);
+
     /** True while a wheel move changes the value. The framework wraps it in a drag, but hosts shall see no gesture. */
     bool isWheelMoving() const noexcept { return wheelMoving; }
 
@@ -37,9 +41,11 @@ public:
     void paint (juce::Graphics&) override;
     void mouseWheelMove (const juce::MouseEvent&, const juce::MouseWheelDetails&) override;
     void timerCallback() override;
+    void valueChanged() override;
 
 private:
     bool wheelMoving = false;
+    bool stepPending = false;
 
     JUCE_DECLARE_NON_COPYABLE_WITH_LEAK_DETECTOR (NVXSlider)
 };

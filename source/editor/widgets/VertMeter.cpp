@@ -5,6 +5,7 @@
 #include "editor/MainUILayout.h"
 #include "editor/widgets/AccessibleText.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace
@@ -96,7 +97,7 @@ void VertMeter::paint (juce::Graphics& g)
 
 juce::String VertMeter::valueText() const
 {
-    const auto decibels = decibelsOf (shownValue);
+    const auto decibels = std::isnan (shownValue) && showsGainReduction ? 0.0f : decibelsOf (shownValue);
 
     if (showsGainReduction)
         return juce::String (std::max (0.0f, -decibels), 1) + " dB gain reduction";

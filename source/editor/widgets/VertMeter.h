@@ -45,7 +45,7 @@ private:
     float needleHeight (float at) const noexcept;
 
     juce::Image scaleImage, glassImage;
-    float shownValue = 0.0f;
+    float shownValue = 1.0f;
     bool showsGainReduction = true;
 
     JUCE_DECLARE_NON_COPYABLE_WITH_LEAK_DETECTOR (VertMeter)
