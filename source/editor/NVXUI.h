@@ -29,11 +29,10 @@ public:
     {
         if (info.isHighlighted)
         {
-            const auto area = controlArea (info.parameterIndex);
-
-            if (area.isEmpty())
+            if (controlsOfParameter.count (info.parameterIndex) == 0)
                 return;
 
+            const auto area = controlArea (info.parameterIndex);
             highlights[info.parameterIndex] = { area.getX(), area.getY(), area.getWidth(), area.getHeight(),
                                                 info.suggestedColour };
         }
