@@ -69,7 +69,7 @@ public:
             // No click shall start a browser.
             editor->bar->openAddress = [] (const juce::String&) {};
             editor->bar->openFile = [] (const juce::File&) {};
-            editor->about->link.setURL (juce::URL());
+            editor->about->link.setEnabled (false);
         }
 
         return *editor;
