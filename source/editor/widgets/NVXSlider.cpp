@@ -16,6 +16,7 @@ NVXSlider::NVXSlider (Assets::KnobImages images)
       rotor (std::move (images.rotor)), top (std::move (images.top))
 {
     setRange (0.0, 1.0, 0.0);
+    onValueChange = [this] { stepPending = false; }; // called after the listeners
 }
 
 void NVXSlider::setTravel (const MainUILayout::KnobTravel& travel)
@@ -98,8 +99,6 @@ void NVXSlider::showValue (double value)
     if (! stepPending)
         setValue (value, juce::dontSendNotification);
 }
-
-void NVXSlider::valueChanged() { stepPending = false; }
 
 void NVXSlider::timerCallback()
 {

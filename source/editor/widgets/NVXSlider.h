@@ -41,7 +41,6 @@ public:
     void paint (juce::Graphics&) override;
     void mouseWheelMove (const juce::MouseEvent&, const juce::MouseWheelDetails&) override;
     void timerCallback() override;
-    void valueChanged() override;
 
 private:
     bool wheelMoving = false;
