@@ -168,6 +168,8 @@ TEST_F (MainUIRefresh, MixIsLimitedAndItsPercentTruncated)
     EXPECT_EQ (juce::String ("0 %"), mixText (0.00999));
     EXPECT_EQ (juce::String ("28 %"), mixText (0.2899));
     EXPECT_EQ (juce::String ("29 %"), mixText (0.2901));
+    EXPECT_EQ (juce::String ("29 %"), mixText (static_cast<double> (0.29f))); // as the host's own text has it
+    EXPECT_EQ (juce::String ("99 %"), mixText (static_cast<double> (0.999f)));
     EXPECT_EQ (juce::String ("100 %"), mixText (1.0));
     EXPECT_EQ (1.0, panel().mix->getValue());
     mixText (1.7);

@@ -428,6 +428,20 @@ TEST_F (MainUIMake, LampsLightByTheirToggleState)
     }
 }
 
+TEST_F (MainUIMake, LampsKeepTheirProportions)
+{
+    auto& lamp = *panel().nukeLamp;
+    lamp.setSize (25, 25);
+    const auto plain = painted (lamp);
+    lamp.setSize (45, 25);
+    const auto wide = painted (lamp);
+    EXPECT_EQ (plain.getPixelAt (12, 12), wide.getPixelAt (22, 12));
+
+    for (int y = 0; y < 25; ++y)
+        for (const auto x : { 0, 4, 8, 37, 44 }) // beside a picture of 25 px in the middle
+            EXPECT_EQ (0, wide.getPixelAt (x, y).getAlpha());
+}
+
 TEST_F (MainUIMake, OnlyTheMidSideLampsAndTheBypassLampMeetTheMouse)
 {
     for (auto* lamp : lamps())

@@ -132,6 +132,24 @@ TEST_F (PanelHighlights, OfAParameterWithoutAControlAreNothing)
     EXPECT_TRUE (log.areas.isEmpty());
 }
 
+TEST_F (PanelHighlights, AskedForBeforeTheFirstLayoutAppearWithIt)
+{
+    first.setBounds (0, 0, 0, 0);
+    highlight (5);
+    EXPECT_EQ (1u, panel.highlights.size());
+    EXPECT_TRUE (boxOf (5).isEmpty());
+    first.setBounds (10, 20, 50, 40);
+    panel.moveHighlights();
+    EXPECT_EQ ((juce::Rectangle<int> { 10, 20, 50, 40 }), boxOf (5));
+}
+
+TEST_F (PanelHighlights, OfAnEmptyBoxDrawNoLine)
+{
+    first.setBounds (30, 30, 0, 0);
+    highlight (5);
+    EXPECT_TRUE (pixelsOf (paintedCorners()).empty());
+}
+
 TEST_F (PanelHighlights, ComeAndGoWithOneRepaintEach)
 {
     const RepaintLog log (panel);

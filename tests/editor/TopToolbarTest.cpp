@@ -61,6 +61,34 @@ TEST_F (Toolbar, KeysHaveThreePicturesEach)
     EXPECT_TRUE (shows (toolbar().copyBtoAButton, Assets::copyBToAKey()));
 }
 
+TEST_F (Toolbar, TheAudibleSlotsKeyShowsItsThirdPicture)
+{
+    const auto drawn = [] (const juce::Image& image)
+    {
+        juce::Image small (juce::Image::ARGB, 24, 24, true);
+        juce::Graphics g (small);
+        g.drawImageWithin (image, 0, 0, 24, 24, juce::RectanglePlacement::stretchToFit);
+        return small;
+    };
+    const auto same = [] (const juce::Image& a, const juce::Image& b)
+    {
+        for (int y = 0; y < 24; ++y)
+            for (int x = 0; x < 24; ++x)
+                if (a.getPixelAt (x, y) != b.getPixelAt (x, y))
+                    return false;
+
+        return true;
+    };
+
+    EXPECT_TRUE (same (drawn (Assets::slotAKey().down), painted (toolbar().aButton)));
+    EXPECT_TRUE (same (drawn (Assets::slotBKey().normal), painted (toolbar().bButton)));
+    processor.activeSlot = 1;
+    toolbar().refresh();
+    EXPECT_TRUE (same (drawn (Assets::slotAKey().normal), painted (toolbar().aButton)));
+    EXPECT_TRUE (same (drawn (Assets::slotBKey().down), painted (toolbar().bButton)));
+    EXPECT_TRUE (same (drawn (Assets::settingsKey().normal), painted (toolbar().settingsButton)));
+}
+
 TEST_F (Toolbar, LabelsSayInAndOut)
 {
     for (const auto& [label, text] :

@@ -235,6 +235,24 @@ TYPED_TEST (MenuLook, AnIconTakesTheTicksPlace)
     EXPECT_TRUE (close (juce::Colours::red, strongest (image)));
 }
 
+TYPED_TEST (MenuLook, TextStandsRightOfTheTicksField)
+{
+    if (juce::Font::findAllTypefaceNames().isEmpty())
+        GTEST_SKIP() << "without any font on the machine no text is drawn";
+
+    RowState row;
+    row.text = "MMMM";
+    const auto area = drawnArea (paintedRow<TypeParam> (row));
+    EXPECT_GE (area.getX(), 1 + 22 * 5 / 4);
+    EXPECT_LT (area.getX(), 1 + 22 * 5 / 4 + 6);
+    EXPECT_NEAR (12.0, area.toFloat().getCentreY(), 2.0);
+
+    // A low row has a lower font: its height is the row's over 1.3.
+    const auto tall = area.getHeight();
+    const auto low = drawnArea (paintedRow<TypeParam> (row, { 0, 0, 200, 12 })).getHeight();
+    EXPECT_NEAR (12.0 / 1.3 / 17.0, static_cast<double> (low) / tall, 0.15);
+}
+
 TYPED_TEST (MenuLook, ColoursOfRows)
 {
     TypeParam look;
