@@ -17,14 +17,14 @@ SLOT = (25.5, 27.0, 139.4, 78.8)
 GAP = 2.4
 CORNER = 5.0
 SLOT_DEPTH = 7.0
-LIFT = 12.0
+LIFT = 16.0
 LIFT_DOWN = 4.5
 SHIFT_DOWN = 2.0  # of a pressed key in the picture; straight from the front, height alone would hardly show
 SIDE = 5.5  # how far the face stands back behind the foot
 CAP = 18.5
 
 GREY = (0x35, 0x36, 0x39)
-RED = (0x5C, 0x0C, 0x0A)
+RED = (0x66, 0x0D, 0x0A)
 KEYS = [("link", "LINK", GREY), ("niveau", "NIVEAU", GREY), ("nuke", "NUKE", RED), ("ms", "M/S", GREY), ("solo", "SOLO", GREY),
         ("in", "IN", GREY)]
 
@@ -78,7 +78,7 @@ def draw(text, colour, down):
     body = relief.Material(
         albedo=_mix(_mix(studio.to_linear(style.GROOVE) * 0.5, studio.to_linear(colour), key_share), studio.to_linear(style.LEGEND), ivory),
         mirror=np.where(key_share[..., None] > 0.5, 0.030, 0.004) * (1 - 0.7 * ivory[..., None]) * np.ones(3),
-        rough_x=0.30 + 0.14 * ivory,
+        rough_x=0.24 + 0.20 * ivory,
     )
     dim = 0.80 if down else 1.0
     lit = studio.to_srgb(relief.shade(relief.normals(height), body, studio.soft_box(13, 7), lamp * dim, hall))

@@ -62,7 +62,10 @@ def profile(r, softness):
 
 
 def flutes(size, r, angle):
-    """How far the wall stands back, as a share of the radius: round valleys with sharp ridges between, one of them at the pointer."""
+    """How far the wall stands back, as a share of the radius: round valleys, sharp ridges, one of these at the pointer.
+
+    Also the valleys and the ridges themselves, 0 to 1, for what light and wear make of them.
+    """
     phase = size.num_flutes * angle / (2 * np.pi)
     across = np.abs(phase - np.floor(phase) - 0.5) * 2  # 0 in a valley's middle, 1 on a ridge
     valley = 1 - across**2
