@@ -117,7 +117,7 @@ TEST_F (AboutBox, AClickAnywhereElseClosesIt)
 TEST_F (AboutBox, AClickOnTheLinkLeavesItOpen)
 {
     EXPECT_EQ (&box().link, box().getComponentAt (box().link.getBounds().getCentre()));
-    box().link.setURL ({}); // so that no browser starts
+    box().link.setEnabled (false); // so that no browser starts; it takes the mouse all the same
     Mouse::click (box().link);
     EXPECT_TRUE (box().isVisible());
 }

@@ -137,6 +137,31 @@ TEST_F (MainUIActions, AWheelMoveOpensNoneOnALinkedKnobEither)
     EXPECT_EQ (valueOf (5), valueOf (23));
 }
 
+TEST_F (MainUIActions, ATickDoesNotTakeBackATrackpadStepOnItsWay)
+{
+    Mouse::wheel (*band (0).ratio, { 0.1f, true });
+    panel().refresh(); // the record does not have it yet
+    Mouse::dispatchMessages();
+    EXPECT_EQ (0.75f, valueOf (5));
+    EXPECT_EQ (0.75, band (0).ratio->getValue());
+}
+
+TEST_F (MainUIActions, AfterATrackpadStepAutomationIsShownAgain)
+{
+    for (const auto& [knob, travel, parameter] : knobsOf (panel()))
+    {
+        Mouse::wheel (*knob, { -1.0f, true });
+        Mouse::dispatchMessages();
+        automate (parameter, 1.0f);
+        panel().refresh();
+        EXPECT_NEAR (1.0, knob->getValue(), 1.1e-4) << travel.name;
+        Mouse::wheel (*knob, { 1.0f, true }); // at the end: nothing moves, and nothing waits
+        automate (parameter, 0.0f);
+        panel().refresh();
+        EXPECT_EQ (0.0, knob->getValue()) << travel.name;
+    }
+}
+
 TEST_F (MainUIActions, AfterAWheelMoveADragIsAGestureAgain)
 {
     Mouse::wheel (*panel().mix, { -0.2f });

