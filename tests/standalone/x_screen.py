@@ -1,0 +1,132 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
+"""What a screen shows, and who has windows on it: the X library through ctypes, with a connection of its own."""
+
+import ctypes
+import functools
+import struct
+
+Window, Atom, ulong, c_int, c_uint = ctypes.c_ulong, ctypes.c_ulong, ctypes.c_ulong, ctypes.c_int, ctypes.c_uint
+Pointer, byref = ctypes.c_void_p, ctypes.byref
+
+Z_PIXMAP, ALL_PLANES, CLIENT_MESSAGE, IS_VIEWABLE = 2, 0xffffffff, 33, 2
+
+
+class XImage(ctypes.Structure):
+    """The head of the library's own structure, as far as it is read here."""
+    _fields_ = [("width", c_int), ("height", c_int), ("xoffset", c_int), ("format", c_int), ("data", Pointer),
+                ("byte_order", c_int), ("bitmap_unit", c_int), ("bitmap_bit_order", c_int), ("bitmap_pad", c_int),
+                ("depth", c_int), ("bytes_per_line", c_int), ("bits_per_pixel", c_int)]
+
+
+class XWindowAttributes(ctypes.Structure):
+    _fields_ = [("x", c_int), ("y", c_int), ("width", c_int), ("height", c_int), ("border_width", c_int),
+                ("depth", c_int), ("visual", Pointer), ("root", Window), ("window_class", c_int),
+                ("bit_gravity", c_int), ("win_gravity", c_int), ("backing_store", c_int), ("backing_planes", ulong),
+                ("backing_pixel", ulong), ("save_under", c_int), ("colormap", ulong), ("map_installed", c_int),
+                ("map_state", c_int), ("all_event_masks", ctypes.c_long), ("your_event_mask", ctypes.c_long),
+                ("do_not_propagate_mask", ctypes.c_long), ("override_redirect", c_int), ("screen", Pointer)]
+
+
+class XClientMessageEvent(ctypes.Structure):
+    _fields_ = [("type", c_int), ("serial", ulong), ("send_event", c_int), ("display", Pointer), ("window", Window),
+                ("message_type", Atom), ("format", c_int), ("data", ctypes.c_long * 5), ("room", ctypes.c_long * 24)]
+
+
+@functools.lru_cache(maxsize=None)
+def x_library():
+    library = ctypes.CDLL("libX11.so.6")
+    results = {"XOpenDisplay": Pointer, "XDefaultRootWindow": Window, "XGetImage": ctypes.POINTER(XImage),
+               "XInternAtom": Atom}
+    for name in ("XOpenDisplay", "XDefaultRootWindow", "XGetImage", "XInternAtom", "XDestroyImage", "XCloseDisplay",
+                 "XQueryTree", "XGetWindowAttributes", "XFetchName", "XFree", "XSendEvent", "XSync",
+                 "XSetErrorHandler"):
+        function = getattr(library, name)
+        function.restype = results.get(name, c_int)
+    # A window may go between being listed and being asked. The library would end the tests for it.
+    library.quiet = ctypes.CFUNCTYPE(c_int, Pointer, Pointer)(lambda _display, _error: 0)
+    library.XSetErrorHandler(library.quiet)
+    return library
+
+
+class Picture:
+    """A rectangle of the screen. Pixels are numbers of the form 0xrrggbb, asked for by their place on the screen."""
+
+    def __init__(self, x, y, width, height, rows):
+        self.x, self.y, self.width, self.height, self.rows = x, y, width, height, rows
+
+    def at(self, x, y):
+        return self.rows[y - self.y][x - self.x]
+
+    def where(self, colour):
+        """All places that have exactly that colour."""
+        return [(self.x + i, self.y + j) for j, row in enumerate(self.rows) for i, pixel in enumerate(row)
+                if pixel == colour]
+
+    def count(self, accepts):
+        return sum(1 for row in self.rows for pixel in row if accepts(pixel))
+
+    def __eq__(self, other):
+        return self.rows == other.rows
+
+
+class Screen:
+    def __init__(self, environment):
+        self.x = x_library()
+        self.display = Pointer(self.x.XOpenDisplay(environment["DISPLAY"].encode()))
+        if not self.display:
+            raise RuntimeError("no connection to " + environment["DISPLAY"])
+        self.root = Window(self.x.XDefaultRootWindow(self.display))
+
+    def close(self):
+        self.x.XCloseDisplay(self.display)
+
+    def picture(self, x, y, width, height):
+        image = self.x.XGetImage(self.display, self.root, c_int(x), c_int(y), c_uint(width), c_uint(height),
+                                 ulong(ALL_PLANES), c_int(Z_PIXMAP))
+        if not image:
+            raise RuntimeError(f"no picture of {width}x{height} at {x}, {y}")
+        content = image.contents
+        assert content.bits_per_pixel == 32 and content.byte_order == 0, "a screen of 24 bits, low byte first"
+        data, stride = ctypes.string_at(content.data, content.bytes_per_line * height), content.bytes_per_line
+        self.x.XDestroyImage(image)
+        # The top byte is padding of any content.
+        rows = [[pixel & 0xffffff for pixel in struct.unpack_from(f"<{width}I", data, j * stride)]
+                for j in range(height)]
+        return Picture(x, y, width, height, rows)
+
+    def pixel(self, x, y):
+        return self.picture(x, y, 1, 1).at(x, y)
+
+    def windows(self):
+        """The visible windows on the screen, those on top first: (id, name, x, y, width, height)."""
+        root, parent, children, number = Window(), Window(), ctypes.POINTER(Window)(), c_uint()
+        self.x.XQueryTree(self.display, self.root, byref(root), byref(parent), byref(children), byref(number))
+        found = []
+        for i in reversed(range(number.value)):
+            window, attributes, name = Window(children[i]), XWindowAttributes(), ctypes.c_char_p()
+            if not self.x.XGetWindowAttributes(self.display, window, byref(attributes)):
+                continue
+            if attributes.map_state != IS_VIEWABLE:
+                continue
+            text = ""
+            if self.x.XFetchName(self.display, window, byref(name)) and name.value is not None:
+                text = name.value.decode("utf-8", "replace")
+                self.x.XFree(name)
+            found.append((window.value, text, attributes.x, attributes.y, attributes.width, attributes.height))
+        if number.value:
+            self.x.XFree(children)
+        return found
+
+    def introduce_window_managers(self):
+        """Makes the words in which window managers speak known to the server, as the first of them to run does.
+        A program that starts before does not understand them."""
+        for word in (b"WM_PROTOCOLS", b"WM_DELETE_WINDOW"):
+            self.x.XInternAtom(self.display, word, c_int(0))
+
+    def ask_to_close(self, window):
+        """What a window manager sends when its close button is clicked."""
+        event = XClientMessageEvent(type=CLIENT_MESSAGE, window=window, format=32, message_type=self.x.XInternAtom(
+            self.display, b"WM_PROTOCOLS", c_int(0)))
+        event.data[0] = self.x.XInternAtom(self.display, b"WM_DELETE_WINDOW", c_int(0))
+        self.x.XSendEvent(self.display, Window(window), c_int(0), ctypes.c_long(0), byref(event))
+        self.x.XSync(self.display, c_int(0))
