@@ -8,7 +8,7 @@ help:
 	@echo "make demo         build, render the demo loop through three programs, say where everything lies"
 	@echo "make build        optimised bundles and renderer, into build/release"
 	@echo "make test         all tests, optimised and under the sanitizers"
-	@echo "make bench        nanoseconds per frame of every stage and of the whole"
+	@echo "make bench        nanoseconds per frame of every stage and of the whole; cost of the window"
 	@echo "make artwork      every bitmap of the editor and its font, from their sources"
 	@echo "make screenshots  pictures of the editor in all its states, into build/screenshots"
 	@echo "make fuzz         libFuzzer on the session reader, for a minute"
@@ -28,7 +28,7 @@ test:
 	@scripts/test.sh
 
 bench:
-	@scripts/install-packages.sh build bench
+	@scripts/install-packages.sh build test bench
 	@scripts/bench.sh
 
 artwork:

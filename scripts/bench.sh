@@ -5,5 +5,6 @@ set -eu
 cd "$(dirname "$0")/.."
 
 cmake --preset release -DCORVANE_BENCHMARKS=ON
-cmake --build --preset release --target corvane_bench
+cmake --build --preset release --target corvane_bench corvane_bench_editor
 build/release/bench/corvane_bench "$@"
+python3 tests/support/with_screen.py build/release/bench/corvane_bench_editor
