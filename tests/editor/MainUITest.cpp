@@ -583,9 +583,12 @@ TEST_F (MainUIMake, TheFirstTimerRefreshesAndTheOtherMovesTheNeedles)
     EXPECT_NEAR (0.09, band (0).meter->position, 1.0e-6); // the fastest rise: 3 * 0.6 * 0.05
 }
 
-TEST_F (MainUIMake, TimersTickWithinTheirTimes)
+TEST_F (MainUIMake, ItsTimersTickByThemselves)
 {
     automate (5, 1.0f);
-    Mouse::dispatchMessagesFor (130);
+
+    for (int i = 0; i < 100 && band (0).ratio->getValue() != 1.0; ++i) // 80 ms where the machine is idle
+        Mouse::dispatchMessagesFor (20);
+
     EXPECT_EQ (1.0, band (0).ratio->getValue());
 }
