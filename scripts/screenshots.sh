@@ -6,7 +6,14 @@ set -eu
 cd "$(dirname "$0")/.."
 
 scripts/install-packages.sh build test
-cmake --preset release -DCORVANE_VIEWS=ON
+
+# A build that is there keeps what was chosen for it, the tests above all.
+if [ -f build/release/CMakeCache.txt ]; then
+    cmake -S . -B build/release -DCORVANE_VIEWS=ON
+else
+    cmake --preset release -DCORVANE_VIEWS=ON
+fi
+
 cmake --build --preset release --target corvane-views
 
 # The framework places menus on a display: they are shown on a screen without a monitor.
