@@ -184,7 +184,9 @@ juce::PopupMenu TopToolbar::settingsMenu()
     auto& stored = processor->userDefaults;
     stored.reload(); // another instance may have saved meanwhile
 
-    const auto calibrationDbu = UserDefaults::calibrationDbFor (processor->activeSettings().calibrationGain);
+    // Limited only so that what no session can hold is still a number to count with.
+    const auto calibrationDbu =
+        juce::jlimit (-1000, 1000, UserDefaults::calibrationDbFor (processor->activeSettings().calibrationGain));
     const auto defaultDbu = NumberText::toInt (std::floor (stored.calibrationDb() + 0.5));
     juce::PopupMenu calibration;
 
