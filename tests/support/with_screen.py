@@ -2,7 +2,8 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 """Runs a command on an X server of its own, without a window manager: with_screen.py [--size 1920x1200] COMMAND...
 
-The server chooses its own display number, so that tests may run side by side. The result is the command's.
+Each server has a display number of its own, far from 0, so that tests may run side by side: programs that name no display
+try number 0, and would end with a server that they found there by chance. The result is the command's.
 """
 
 import argparse
@@ -12,20 +13,34 @@ import subprocess
 import sys
 
 
+def start(number, size):
+    """The server of that number once it answers; None where it does not start, as when the number is taken."""
+    readable, writable = os.pipe()
+    server = subprocess.Popen(
+        ["Xvfb", ":%d" % number, "-displayfd", str(writable), "-screen", "0", size + "x24", "-nolisten", "tcp",
+         "-noreset"],
+        pass_fds=[writable], stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+    os.close(writable)
+    with os.fdopen(readable) as pipe:
+        if pipe.readline().strip():
+            return server
+    server.wait()
+    return None
+
+
 @contextlib.contextmanager
 def screen(size="1920x1200"):
     """An X server of that size; gives the environment for programs that shall use it."""
-    readable, writable = os.pipe()
-    server = subprocess.Popen(
-        ["Xvfb", "-displayfd", str(writable), "-screen", "0", size + "x24", "-nolisten", "tcp", "-noreset"],
-        pass_fds=[writable], stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
-    os.close(writable)
+    server, number = None, 100 + os.getpid() % 50000
+    for candidate in range(number, number + 20):
+        server = start(candidate, size)
+        if server is not None:
+            number = candidate
+            break
+    if server is None:
+        raise RuntimeError("Xvfb did not start")
     try:
-        with os.fdopen(readable) as pipe:
-            number = pipe.readline().strip()
-        if not number:
-            raise RuntimeError("Xvfb did not start")
-        environment = dict(os.environ, DISPLAY=":" + number)
+        environment = dict(os.environ, DISPLAY=":%d" % number)
         environment.pop("XAUTHORITY", None)
         environment.pop("WAYLAND_DISPLAY", None)
         yield environment
