@@ -12,8 +12,13 @@ from panel_places import BANDS, BAR, HEIGHTS, LAMPS, LAMP_COLOURS, place
 
 PROGRAM = os.environ.get("CORVANE_STANDALONE", "")
 
-PATIENCE = 20.0  # s, for what takes a tenth of a second on an idle machine
+PATIENCE = 10.0  # s, for what takes a tenth of a second on an idle machine
 TICK = 0.02      # s, between two looks
+STILLNESS = 0.4  # s
+
+# Events that the framework reads from the X server while it asks it something else lie until the next one wakes it. A
+# hand on a mouse always makes a next one; these runs get one without meaning whenever nothing has come for a while.
+_runs = []
 
 LEFT, WHEEL_UP, WHEEL_DOWN = 1, 4, 5
 
@@ -23,13 +28,19 @@ FRAME_LINE = 1
 
 def wait_for(condition, what):
     """Looks until the condition holds, and gives what it gave."""
-    end = time.monotonic() + PATIENCE
+    now = time.monotonic()
+    end, next_nudge = now + PATIENCE, now + STILLNESS
     while True:
         result = condition()
         if result:
             return result
-        if time.monotonic() > end:
+        now = time.monotonic()
+        if now > end:
             raise AssertionError("waited in vain: " + what)
+        if now > next_nudge:
+            next_nudge = now + STILLNESS
+            for run in _runs:
+                run.nudge()
         time.sleep(TICK)
 
 
@@ -114,18 +125,27 @@ class Standalone:
     def __init__(self, screen, environment, home):
         self.screen, self.home = screen, home
         self.environment = home.environment(environment)
+        self.id = None
         self.log = home.folder / "log"
         with open(self.log, "wb") as log:
             self.process = subprocess.Popen([PROGRAM], env=self.environment, cwd=home.folder, stdin=subprocess.DEVNULL,
                                             stdout=log, stderr=subprocess.STDOUT)
+        _runs.append(self)
 
     # ---- its life ---------------------------------------------------------------------------
     def wait_until_shown(self, width=None):
         """Waits for the first picture of the whole editor, its pointer out of the way."""
-        self.locate(width)
-        wait_for(self.is_painted, "the editor's first picture")
+        self.settle(width)
         self.park()
         return self
+
+    def settle(self, width):
+        """Waits for the picture of an editor of that width, wherever its window has come to stand meanwhile."""
+        def is_there():
+            self.locate(width)
+            return self.is_painted()
+
+        wait_for(is_there, "the editor's picture")
 
     def is_alive(self):
         return self.process.poll() is None
@@ -163,10 +183,8 @@ class Standalone:
 
     def ended(self):
         """Waits for the end and gives the exit status."""
-        try:
-            return self.process.wait(PATIENCE)
-        except subprocess.TimeoutExpired:
-            raise AssertionError("it does not end") from None
+        wait_for(lambda: not self.is_alive(), "its end")
+        return self.process.returncode
 
     def ask_to_close(self):
         self.screen.ask_to_close(self.id)
@@ -180,9 +198,14 @@ class Standalone:
         return parse_state(self.home.state_block())
 
     def kill(self):
+        _runs.remove(self)
         if self.is_alive():
             self.process.kill()
         self.process.wait()
+
+    def nudge(self):
+        if self.id is not None and self.is_alive():
+            self.screen.nudge(self.id)
 
     # ---- the mouse --------------------------------------------------------------------------
     def xdotool(self, *words):
@@ -270,7 +293,7 @@ class Standalone:
         return wait_for(lambda: self.picture(name) != before, f"another picture of {name}") and self.picture(name)
 
     def expect_picture(self, name, expected):
-        wait_for(lambda: self.picture(name) == expected, f"the same picture of {name}")
+        wait_for(lambda: self.picture(name).is_like(expected), f"the same picture of {name}")
 
 
 LAMPS_OF_A_NEW_INSTANCE = {band + "In lamp" for band in BANDS} | {"Bypass lamp", "Niveau lamp"}

@@ -12,7 +12,7 @@ import unittest
 
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent.parent / "support"))
 
-PARTS = ("start_cases",)
+PARTS = ("start_cases", "control_cases", "menu_cases", "soak_cases")
 
 
 def load_tests(loader, _tests, _pattern):
