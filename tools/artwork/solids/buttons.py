@@ -76,7 +76,8 @@ def draw(text, colour, down):
     key_share, slot_share = covered(to_foot), covered(in_slot)
     ivory = letters * key_share
     body = relief.Material(
-        albedo=_mix(_mix(studio.to_linear(style.GROOVE) * 0.5, studio.to_linear(colour), key_share), studio.to_linear(style.LEGEND), ivory),
+        albedo=_mix(_mix(studio.to_linear(style.GROOVE) * 0.5, studio.to_linear(colour), key_share),
+                    studio.to_linear(style.LEGEND), ivory),
         mirror=np.where(key_share[..., None] > 0.5, 0.030, 0.004) * (1 - 0.7 * ivory[..., None]) * np.ones(3),
         rough_x=0.24 + 0.20 * ivory,
     )
@@ -84,8 +85,10 @@ def draw(text, colour, down):
     lit = studio.to_srgb(relief.shade(relief.normals(height), body, studio.soft_box(13, 7), lamp * dim, hall))
 
     shadow = studio.shadow_alpha(lamp * (1 - studio.ROOM) + hall * studio.ROOM)
-    fade = studio.smoothstep(0, 9, y - 8) * (1 - studio.smoothstep(88, 98, y)) * studio.smoothstep(4, 20, x) * (1 - studio.smoothstep(150, 165, x))
-    shadow = studio.grounded(shadow, 0.05) * fade
+    # Below, the next key begins soon: the shadow ends before it.
+    fade_y = studio.smoothstep(8, 17, y) * (1 - studio.smoothstep(88, 98, y))
+    fade_x = studio.smoothstep(4, 20, x) * (1 - studio.smoothstep(150, 165, x))
+    shadow = studio.grounded(shadow, 0.05) * fade_x * fade_y
     # The slot's lower lip is a fine chamfer that looks up into the light.
     lip = np.exp(-((in_slot - 0.9) / 0.8) ** 2) * np.clip(_outward_down(x, y), 0, 1) * 0.16
     plate = studio.over((np.ones_like(lit), lip), (np.zeros_like(lit), shadow))

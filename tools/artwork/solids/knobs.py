@@ -15,8 +15,6 @@ import style
 import solids.relief as relief
 import solids.studio as studio
 
-GRIP, METAL, CUT, IVORY, CHANNEL = range(5)
-
 
 class Size:
     def __init__(self, name, pixels, num_flutes, pointer_width, detail):
@@ -106,10 +104,10 @@ def material(r, x, y, size, with_pointer):
     aluminium = studio.to_linear(style.ALUMINIUM)
     black = studio.to_linear(style.ANODISED)
     return relief.Material(
-        albedo=blend([(cap, aluminium * 0.10), (cut, aluminium * 0.05), (grip, black * 0.9), (ivory, studio.to_linear(style.LEGEND)),
-                      (channel, black * 0.3)], 3),
-        mirror=blend([(cap, aluminium * 1.05), (cut, aluminium * 1.5), (grip, np.full(3, 0.038)), (worn, np.full(3, 0.045)), (ivory, np.full(3, 0.02)),
-                      (channel, np.full(3, 0.01))], 3),
+        albedo=blend([(cap, aluminium * 0.10), (cut, aluminium * 0.05), (grip, black * 0.9),
+                      (ivory, studio.to_linear(style.LEGEND)), (channel, black * 0.3)], 3),
+        mirror=blend([(cap, aluminium * 1.05), (cut, aluminium * 1.5), (grip, np.full(3, 0.038)),
+                      (worn, np.full(3, 0.045)), (ivory, np.full(3, 0.02)), (channel, np.full(3, 0.01))], 3),
         rough_x=blend([(cap, 0.20), (cut, 0.22), (grip, 0.28), (worn, -0.07), (ivory, 0.5), (channel, 0.5)], 1),
         rough_y=blend([(cap, 0.60), (cut, 0.22), (grip, 0.28), (worn, -0.07), (ivory, 0.5), (channel, 0.5)], 1),
     )
@@ -166,7 +164,8 @@ def shares(height, detail, size):
     step = 0.5 * detail
     lamp = relief.light_share(coarse, studio.soft_box(7, 5), step=step * 0.75, softness=detail * 0.35)
     ring = relief.light_share(coarse, studio.ring_of_boxes(14, 2, 3), step=step, softness=detail * 0.35)
-    hall = relief.light_share(coarse, relief.room(14, 4), step=step, softness=detail * 0.35, reach=0.45 * size.radius * detail / 2)
+    reach = 0.45 * size.radius * detail / 2
+    hall = relief.light_share(coarse, relief.room(14, 4), step=step, softness=detail * 0.35, reach=reach)
     return [np.repeat(np.repeat(a, 2, axis=0), 2, axis=1) for a in (lamp, ring, hall)]
 
 

@@ -3,7 +3,7 @@
 // the origin, y goes up and z away from the eye.
 //
 // Declared from outside: On (1: bat up), Pass (0: the picture; 1: what of it is bat; 2: the light on matt things, with the
-// bat; 3: without it), BoxX, BoxY, BoxZ (towards the light), BoxAcross, BoxAlong, Room.
+// bat; 3: without it), BoxX, BoxY, BoxZ (towards the light), BoxAcross, BoxAlong.
 #version 3.7;
 
 global_settings { assumed_gamma 1.0 max_trace_level 6 }

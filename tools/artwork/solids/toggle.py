@@ -30,11 +30,15 @@ NUT_TURN = 12.0  # degrees; a nut that sat square would look drawn with a ruler
 def render(turned_on, which):
     x, y, z = style.LIGHT
     declared = {"On": int(turned_on), "Pass": which, "BoxX": x, "BoxY": -y, "BoxZ": -z, "BoxAcross": studio.BOX_ACROSS,
-                "BoxAlong": studio.BOX_ALONG, "Room": studio.ROOM}
+                "BoxAlong": studio.BOX_ALONG}
+    # The satin of the picture needs many rays in every point; outline and shadow need them at edges alone.
+    rays = ["+A0.0", "+AM1", "+R3"] if which == PICTURE else ["+A0.1", "+AM1", "+R2"]
     with tempfile.TemporaryDirectory() as folder:
         out = pathlib.Path(folder) / "out.ppm"
-        command = ["povray", f"+I{SCENE}", f"+O{out}", f"+W{WIDTH * DETAIL}", f"+H{HEIGHT * DETAIL}", "+FP16", "File_Gamma=1.0", "-D",
-                   "+A0.0" if which == PICTURE else "+A0.1", "+AM1", "+R3" if which == PICTURE else "+R2", "-J", "+WT1", "-GA"] + [f"Declare={k}={v}" for k, v in declared.items()]
+        size = [f"+W{WIDTH * DETAIL}", f"+H{HEIGHT * DETAIL}"]
+        settings = ["+FP16", "File_Gamma=1.0", "-D", "-J", "+WT1", "-GA"]
+        command = ["povray", f"+I{SCENE}", f"+O{out}"] + size + settings + rays
+        command += [f"Declare={k}={v}" for k, v in declared.items()]
         done = subprocess.run(command, capture_output=True, text=True, check=False, cwd=folder)
         if done.returncode != 0:
             raise RuntimeError("povray failed:\n" + done.stderr[-3000:])
@@ -122,7 +126,7 @@ def draw(turned_on, base, without):
     shadow *= 1 - studio.smoothstep(100, 117, y) * (1 - studio.smoothstep(57, 78, x))
 
     out = studio.over((studio.to_srgb(lit * left[..., None]), outline), (np.zeros_like(lit), shadow))
-    colour, alpha = studio.over((studio.to_srgb(picture / np.maximum(bat, 0.05)[..., None] * bat[..., None]), bat), out)
+    colour, alpha = studio.over((studio.to_srgb(picture), bat), out)
     small = studio.reduced(alpha, DETAIL)
     return studio.reduced(colour * alpha[..., None], DETAIL) / np.maximum(small, 1e-6)[..., None], small
 
