@@ -26,7 +26,8 @@ class Buttons(StandaloneCase):
 
     def test_each_lights_its_own_lamp_and_no_other(self):
         run = self.start()
-        for name in [band + button for button in ("In", "Solo") for band in BANDS] + ["Nuke", "Niveau", "Link", "Bypass"]:
+        of_bands = [band + button for button in ("In", "Solo") for band in BANDS]
+        for name in of_bands + ["Nuke", "Niveau", "Link", "Bypass"]:
             with self.subTest(name):
                 was_lit = run.is_lit(name + " lamp")
                 run.click(name)
@@ -142,7 +143,8 @@ class Knobs(StandaloneCase):
 
     def test_a_drag_of_the_whole_way(self):
         # Up from the bottom to the top in just the way's pixels; a selector does so in a few.
-        run = self.start(**self.all_of_band(lambda band, name: 0.0), Mix=0.0, MasterGain=0.0, LowXOver=0.0, HighXOver=0.0)
+        run = self.start(**self.all_of_band(lambda band, name: 0.0), Mix=0.0, MasterGain=0.0, LowXOver=0.0,
+                         HighXOver=0.0)
         for band in BANDS:
             for name, (way, _) in DRAGS.items():
                 run.drag(band + name, up=way)
@@ -226,7 +228,8 @@ class Linked(StandaloneCase):
         run.click("MidSolo")
         self.expect_lamps_of_new(run, plus=["Link lamp"] + [band + "Solo lamp" for band in BANDS])
         run.click("HighS lamp")
-        self.expect_lamps_of_new(run, plus=["Link lamp"] + [band + kind for band in BANDS for kind in ("Solo lamp", "S lamp")])
+        self.expect_lamps_of_new(run, plus=["Link lamp"] + [band + kind for band in BANDS
+                                                            for kind in ("Solo lamp", "S lamp")])
         run.click("Link")
         run.click("LowIn")
         run.drag("MidGain", up=250)

@@ -4,8 +4,8 @@
 import pathlib
 import unittest
 
-from menus import (ABOUT, BRAND, CALIBRATION, DISTRIBUTOR, MANUAL, OVERSAMPLING, PRODUCT, SAVE, SETTINGS_ROWS, UPDATES, ZOOM,
-                   choose_link, choose_setting, open_menu)
+from menus import (ABOUT, BRAND, CALIBRATION, DISTRIBUTOR, MANUAL, OVERSAMPLING, PRODUCT, SAVE, SETTINGS_ROWS,
+                   UPDATES, ZOOM, choose_link, choose_setting, open_menu)
 from standalone import wait_for
 from standalone_case import StandaloneCase
 

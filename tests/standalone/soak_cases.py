@@ -72,7 +72,7 @@ class Soak(StandaloneCase):
 
         # Whatever is open goes, the zoom may be any; then a button still answers.
         def is_settled():
-            width = run.window()[4] - 2
+            width = run.window()[3] - 2
             self.assertIn(width, HEIGHTS)
             run.settle(width)
             # Beside the About box at every zoom, and on the panel's own ground.

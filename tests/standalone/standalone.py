@@ -154,16 +154,16 @@ class Standalone:
         if not self.is_alive():
             raise AssertionError(f"it ended with {self.process.returncode}: {self.log.read_text()}")
         # The lowest is the first one made; menus of the framework's frame lie above.
-        windows = self.screen.windows()
+        windows = self.screen.windows_of(self.process.pid)
         return windows[-1] if windows else None
 
     def locate(self, width=None):
         """Finds the window, which may have to reach a width first, and the editor within."""
         def right_window():
             window = self.window()
-            return window if window and width in (None, window[4] - 2 * FRAME_LINE) else None
+            return window if window and width in (None, window[3] - 2 * FRAME_LINE) else None
 
-        self.id, _, x, y, w, h = wait_for(right_window, f"a window for an editor {width or ''} wide")
+        self.id, x, y, w, h = wait_for(right_window, f"a window for an editor {width or ''} wide")
         self.width = w - 2 * FRAME_LINE
         self.height = HEIGHTS.get(self.width) or int(self.width / 1350 * 723)
         self.x, self.y = x + FRAME_LINE, y + h - FRAME_LINE - self.height

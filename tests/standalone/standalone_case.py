@@ -3,6 +3,7 @@
 
 import contextlib
 import pathlib
+import shutil
 import tempfile
 import unittest
 
@@ -30,6 +31,10 @@ TOLERANCE = 2e-5
 class StandaloneCase(unittest.TestCase):
     SIZE = "1920x1200"
     KNOWS_WINDOW_MANAGERS = True  # so that windows can be asked to close
+
+    @staticmethod
+    def needs(program):
+        return unittest.skipUnless(shutil.which(program), f"{program} is not installed")
 
     @classmethod
     def setUpClass(cls):

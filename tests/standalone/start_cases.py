@@ -1,6 +1,8 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 """How it starts: on a bare X server, small and large, with no sound, with what a session before has left."""
 
+import subprocess
+
 from standalone import LEFT, make_state, parse_state, wait_for
 from standalone_case import NEW, OPTIONS, StandaloneCase
 
@@ -131,6 +133,21 @@ class Memory(Start):
         x, y, w, _ = run.frame
         run.xdotool("mousemove", x + w // 3, y + 14, "mousedown", LEFT, "mousemove", x + w // 3 + 60, y + 44,
                     "mousemove", x + w // 3 + 100, y + 74, "mouseup", LEFT)
-        wait_for(lambda: run.window()[2:4] == (x + 100, y + 60), "the window at its new place")
+        wait_for(lambda: run.window()[1:3] == (x + 100, y + 60), "the window at its new place")
         run.close()
         self.assertEqual(self.start(home).frame[:2], (x + 100, y + 60))
+
+
+class UnderAWindowManager(Start):
+    @StandaloneCase.needs("openbox")
+    def test_it_opens_moves_along_and_closes(self):
+        manager = subprocess.Popen(["openbox"], env=self.environment, stdout=subprocess.DEVNULL,
+                                   stderr=subprocess.DEVNULL)
+        self.addCleanup(manager.wait)
+        self.addCleanup(manager.terminate)
+        run = self.start()
+        self.expect_size(run, 1350, 723)
+        run.click("LowSolo")
+        self.expect_lamps_of_new(run, plus=["LowSolo lamp"])
+        self.expect_end(run, LowSolo=1.0)
+        self.expect_no_complaint(run)

@@ -8,7 +8,7 @@ import struct
 Window, Atom, ulong, c_int, c_uint = ctypes.c_ulong, ctypes.c_ulong, ctypes.c_ulong, ctypes.c_int, ctypes.c_uint
 Pointer, byref = ctypes.c_void_p, ctypes.byref
 
-Z_PIXMAP, ALL_PLANES, CLIENT_MESSAGE, IS_VIEWABLE = 2, 0xffffffff, 33, 2
+Z_PIXMAP, ALL_PLANES, CLIENT_MESSAGE, IS_VIEWABLE, ANY_PROPERTY_TYPE = 2, 0xffffffff, 33, 2, 0
 
 
 class XImage(ctypes.Structure):
@@ -38,8 +38,8 @@ def x_library():
     results = {"XOpenDisplay": Pointer, "XDefaultRootWindow": Window, "XGetImage": ctypes.POINTER(XImage),
                "XInternAtom": Atom}
     for name in ("XOpenDisplay", "XDefaultRootWindow", "XGetImage", "XInternAtom", "XDestroyImage", "XCloseDisplay",
-                 "XQueryTree", "XGetWindowAttributes", "XFetchName", "XFree", "XSendEvent", "XSync",
-                 "XSetErrorHandler"):
+                 "XQueryTree", "XGetWindowAttributes", "XTranslateCoordinates", "XGetWindowProperty", "XFree",
+                 "XSendEvent", "XSync", "XSetErrorHandler"):
         function = getattr(library, name)
         function.restype = results.get(name, c_int)
     # A window may go between being listed and being asked. The library would end the tests for it.
@@ -102,25 +102,39 @@ class Screen:
     def pixel(self, x, y):
         return self.picture(x, y, 1, 1).at(x, y)
 
-    def windows(self):
-        """The visible windows on the screen, those on top first: (id, name, x, y, width, height)."""
+    def windows_of(self, process):
+        """A process's visible windows, those on top first: (id, x, y, width, height)."""
+        return [found for found in self._windows_in(self.root) if self._process_of(found[0]) == process]
+
+    def _windows_in(self, window):
+        """All visible windows in it and in these: a window manager wraps each one into a window of its own."""
         root, parent, children, number = Window(), Window(), ctypes.POINTER(Window)(), c_uint()
-        self.x.XQueryTree(self.display, self.root, byref(root), byref(parent), byref(children), byref(number))
-        found = []
-        for i in reversed(range(number.value)):
-            window, attributes, name = Window(children[i]), XWindowAttributes(), ctypes.c_char_p()
-            if not self.x.XGetWindowAttributes(self.display, window, byref(attributes)):
-                continue
-            if attributes.map_state != IS_VIEWABLE:
-                continue
-            text = ""
-            if self.x.XFetchName(self.display, window, byref(name)) and name.value is not None:
-                text = name.value.decode("utf-8", "replace")
-                self.x.XFree(name)
-            found.append((window.value, text, attributes.x, attributes.y, attributes.width, attributes.height))
+        if not self.x.XQueryTree(self.display, window, byref(root), byref(parent), byref(children), byref(number)):
+            return
+        inner = [Window(children[i]) for i in range(number.value)]
         if number.value:
             self.x.XFree(children)
-        return found
+        for child in reversed(inner):
+            attributes, x, y, below = XWindowAttributes(), c_int(), c_int(), Window()
+            if (self.x.XGetWindowAttributes(self.display, child, byref(attributes))
+                    and attributes.map_state == IS_VIEWABLE
+                    and self.x.XTranslateCoordinates(self.display, child, self.root, c_int(0), c_int(0), byref(x),
+                                                     byref(y), byref(below))):
+                yield child.value, x.value, y.value, attributes.width, attributes.height
+                yield from self._windows_in(child)
+
+    def _process_of(self, window):
+        """What the window says of itself in _NET_WM_PID, or None."""
+        name = Atom(self.x.XInternAtom(self.display, b"_NET_WM_PID", c_int(0)))
+        kind, bits, number, left, data = Atom(), c_int(), ulong(), ulong(), ctypes.POINTER(ulong)()
+        self.x.XGetWindowProperty(self.display, Window(window), name, ctypes.c_long(0), ctypes.c_long(1), c_int(0),
+                                  Atom(ANY_PROPERTY_TYPE), byref(kind), byref(bits), byref(number), byref(left),
+                                  byref(data))
+        if not number.value:
+            return None
+        process = data[0]
+        self.x.XFree(data)
+        return process
 
     def introduce_window_managers(self):
         """Makes the words in which window managers speak known to the server, as the first of them to run does.
