@@ -2,9 +2,9 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 """Uses the Standalone's window with mouse and keys on a screen of its own, as a musician does.
 
-The environment variable CORVANE_STANDALONE names the program. The cases stand beside this file; words on the command line
-choose some, `test_standalone.py control_cases`, and `-k NAME` runs those with NAME in theirs. CORVANE_SOAK_SECONDS and
-CORVANE_SOAK_SEED make the random run at the end another one.
+The environment variable CORVANE_STANDALONE names the program. The cases stand beside this file; words on the command
+line choose some, `test_standalone.py control_cases`, and `-k NAME` runs those with NAME in theirs. CORVANE_SOAK_SECONDS
+and CORVANE_SOAK_SEED make the random run at the end another one.
 """
 
 import pathlib
