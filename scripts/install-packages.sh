@@ -9,7 +9,7 @@ packages_of() {
         build)  echo "build-essential cmake ninja-build pkg-config ccache python3 juce-modules-source juce-tools" \
                      "libsndfile1-dev libebur128-dev libcli11-dev nlohmann-json3-dev" ;;
         test)   echo "libgtest-dev libgmock-dev lilv-utils sordi lv2-dev hydrogen-drumkits alsa-utils" \
-                     "xvfb xdotool fonts-liberation" ;;
+                     "xvfb xdotool openbox fonts-liberation" ;;
         fuzz)   echo "clang libclang-rt-14-dev" ;;
         bench)  echo "libbenchmark-dev" ;;
         artwork) echo "povray povray-includes python3-cairo python3-fontforge python3-numpy python3-pil python3-scipy" \
