@@ -2,6 +2,7 @@
 """Buttons, switch and lamps, knobs, Link, slots and trims, under the mouse. One run serves as many looks as it can."""
 
 import itertools
+import math
 
 from standalone import wait_for
 from standalone_case import NEW, RESETS, StandaloneCase
@@ -96,6 +97,47 @@ class Buttons(StandaloneCase):
             run.click(self.within(run, "LowSolo", *place))
             self.expect_lamps_of_new(run, plus=["LowSolo lamp"] if i % 2 == 0 else [])
         self.expect_end(run)
+
+    def test_of_stacked_pictures_each_takes_its_own_clicks(self):
+        # The pictures are 54 px high and stand 41 px apart: they overlap, and the keys in them do not.
+        run = self.start()
+        x, _, w, h = run.place("HighIn")
+        first, last = math.ceil(KEY_TOP * h), math.floor(KEY_BOTTOM * h)
+        middle = x - run.x + w // 2
+        turned = set()  # lamps that are not as they were in the beginning
+        for button, lamps in (("HighIn", ("HighIn lamp",) * 2), ("HighSolo", ("HighSolo lamp",) * 2),
+                              ("HighMidSide", ("HighS lamp", "HighM lamp"))):
+            top = run.place(button)[1] - run.y
+            # Just above the key, which lies in the picture above as well; on its edges; just below, in the next one.
+            run.click((middle, top + first - 1), (middle, top + 3))
+            for y, lamp in zip((first, last), lamps):
+                run.click((middle, top + y))
+                turned ^= {"HighS lamp", "HighM lamp"} & turned | {lamp}
+                self.expect_lamps_of_new(run, plus=turned - {"HighIn lamp"}, minus=turned & {"HighIn lamp"})
+            run.click((middle, top + last + 1))
+        self.expect_end(run, HighMidSide=0.0)
+
+    def test_the_switch_lies_over_its_lamp(self):
+        run = self.start()
+        x, y, w, _ = run.place("Bypass lamp")
+        run.click((x - run.x + w // 2, y - run.y + 8))
+        self.expect_lamps_of_new(run, minus=["Bypass lamp"])
+        # In its picture's very corner too: the whole of it is the switch.
+        x, y, _, _ = run.place("Bypass")
+        run.click((x - run.x + 1, y - run.y + 1))
+        self.expect_lamps_of_new(run)
+
+    def test_alt_looks_at_the_button_and_not_at_the_control(self):
+        # A fresh button is up. Where the default is "on", Alt presses it, which turns the control over, and only once.
+        run = self.start()
+        run.click("LowIn", keys=["alt"])
+        self.expect_lamps_of_new(run, minus=["LowIn lamp"])
+        run.click("LowIn", keys=["alt"])
+        run.click("MidSolo", "Link", keys=["alt"])  # their default is "off", and they are up
+        run.click("Bypass", keys=["alt"])           # follows the control, so this takes it to "off"
+        self.expect_lamps_of_new(run, minus=["LowIn lamp", "Bypass lamp"])
+        run.click("Bypass", keys=["alt"])
+        self.expect_end(run, LowIn=0.0, Bypass=1.0)
 
     def test_keys_held_on_the_keyboard(self):
         run = self.start()
@@ -217,6 +259,14 @@ class Knobs(StandaloneCase):
         self.expect_end(run, **{name: RESETS[name] for name in moved})
 
 
+    def test_a_click_with_a_key_held_leaves_it(self):
+        run = self.start(LowRatio=0.0, MidGain=1.0, Mix=0.5)
+        for keys in (["alt"], ["shift"], ["ctrl"]):
+            for knob in ("LowRatio", "MidGain", "Mix"):
+                run.click(knob, keys=keys)
+        self.expect_end(run, LowRatio=0.0, MidGain=1.0, Mix=0.5)
+
+
 class Linked(StandaloneCase):
     def test_knobs_and_buttons_take_the_other_bands_along(self):
         run = self.start()
@@ -304,3 +354,38 @@ class Trims(StandaloneCase):
         run.click("A")
         run.expect_change("InLevel text", untouched)
         self.expect_end(run, Link=1.0, InLevel=0.7)
+
+    def test_a_number_typed_into_the_field(self):
+        run = self.start()
+        before = run.picture("OutLevel text")
+        run.click("OutLevel text")
+        run.xdotool("type", "--delay", 30, "2.5")
+        run.xdotool("key", "Return")
+        run.park()
+        run.expect_change("OutLevel text", before)
+        self.expect_end(run, OutLevel=0.625)
+
+
+class Mono(StandaloneCase):
+    def test_one_channel_has_no_mid_and_side(self):
+        home = self.new_home()
+        home.keep_sound_device(inputs=1)
+        mono = self.start(home)
+        parts = [band + part for band in BANDS for part in ("MidSide", "M lamp", "S lamp", "M label", "S label")]
+        pictures = {part: mono.picture(part) for part in parts}
+        mono.click(*(band + part for band in BANDS for part in ("MidSide", "M lamp", "S lamp")))
+        mono.click("HighSolo")
+        wait_for(lambda: mono.is_lit("HighSolo lamp"), "the lamp of a button that is there")
+        mono.park()
+        for part in parts:
+            mono.expect_picture(part, pictures[part])
+        self.expect_end(mono, HighSolo=1.0)
+
+        home = self.new_home()
+        home.keep_sound_device(inputs=2)
+        stereo = self.start(home)
+        for part in parts:
+            self.assertFalse(stereo.picture(part).is_like(pictures[part]), part)
+        stereo.click("LowS lamp")
+        wait_for(lambda: stereo.is_lit("LowS lamp"), "the lamp of Side")
+        self.expect_end(stereo, LowMidSide=1.0)

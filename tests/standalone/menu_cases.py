@@ -82,6 +82,54 @@ class Settings(StandaloneCase):
         self.assertEqual((state["Oversampling"], state["Calibration"], state["UIZoom"]), (1, 20, 1))
 
 
+class Rows(StandaloneCase):
+    """Ticks and remarks, by the ink in a row: a tick is a mark at its left, a remark a longer text."""
+
+    def ticked(self, menu):
+        """The numbers of the rows that bear a tick."""
+        return [i for i, (_, y) in enumerate(menu.rows) if menu.ink(y, 3, 22)]
+
+    def lengths(self, menu):
+        return [max(menu.ink(y, 22, menu.box[2] - 3)) for _, y in menu.rows]
+
+    def test_each_choice_gets_the_tick(self):
+        run = self.start()
+        for title, number, before in ((CALIBRATION, 9, 6), (OVERSAMPLING, 5, 0)):
+            for row in range(number):
+                menu = open_menu(run, "Settings", SETTINGS_ROWS).submenu(title, number + 1)
+                run.park()
+                self.assertEqual(self.ticked(menu), [before], (title, row))
+                menu.choose(row)
+                before = row
+        menu = open_menu(run, "Settings", SETTINGS_ROWS).submenu(ZOOM, 5)
+        self.assertEqual(self.ticked(menu), [3])
+
+    def test_the_stored_row_bears_a_remark(self):
+        home = self.new_home()
+        home.keep_defaults(Calibration="30", Oversampling="8", UIZoom="0.5")
+        run = self.start(home, Oversampling=2)
+        # Out of range counts as -18 dBFS and as 70 %; the factor that is in use has nothing to do with it.
+        for title, number, row, tick in ((CALIBRATION, 9, 6, 6), (OVERSAMPLING, 5, 3, 1), (ZOOM, 4, 0, 3)):
+            menu = open_menu(run, "Settings", SETTINGS_ROWS).submenu(title, number + 1)
+            run.park()
+            lengths = self.lengths(menu)[:number]
+            self.assertEqual(lengths.index(max(lengths)), row)
+            self.assertGreater(max(lengths), 40 + sorted(lengths)[-2], lengths)
+            self.assertEqual(self.ticked(menu), [tick])
+            run.click((run.width // 2, 300))
+            wait_for(lambda: not menu.is_open(), "the end of the menu")
+
+    def test_titles_tell_what_is_chosen(self):
+        run = self.start()
+        menu = open_menu(run, "Settings", SETTINGS_ROWS)
+        before = [menu.ink(y, 22, menu.box[2] - 20) for _, y in menu.rows]
+        menu.submenu(OVERSAMPLING, 6).choose(4)
+        menu = open_menu(run, "Settings", SETTINGS_ROWS)
+        run.park()
+        after = [menu.ink(y, 22, menu.box[2] - 20) for _, y in menu.rows]
+        self.assertEqual([row for row in range(4) if before[row] != after[row]], [OVERSAMPLING])
+
+
 class AboutBox(StandaloneCase):
     def box(self, run):
         """Of the editor's middle; the logo's and the texts' share of it counts."""

@@ -9,6 +9,8 @@ SHEET = 0xfcfcfc
 
 # Lower marks than this are lines between rows.
 LOWEST_TEXT = 5  # px
+PLACE_OF_MENUS = 600  # px
+HALF_TEXT = 6  # px, so that no line between rows is met
 
 # A menu takes no click in its first quarter of a second.
 CLICK_PATIENCE = 0.6  # s
@@ -24,7 +26,7 @@ class Menu:
 
     def find(self, number_of_rows):
         """The rows' middles on the screen, if all are there."""
-        shown = self.run.picture_of_all()
+        shown = picture_of_menus(self.run)
         fresh = [[now == SHEET and then != SHEET for now, then in zip(*rows)]
                  for rows in zip(shown.rows, self.before.rows)]
         # A row of the sheet is bright for the most part of its width: stray pixels are not one.
@@ -55,11 +57,18 @@ class Menu:
         x, y, w, _ = self.box
         return self.run.screen.pixel(x + w // 2, y + 1) == SHEET
 
+    def ink(self, y, begin, end):
+        """The columns of the sheet, counted from its left, that bear dark marks around that height."""
+        x = self.box[0]
+        shown = self.run.screen.picture(x + begin, y - HALF_TEXT, end - begin, 2 * HALF_TEXT)
+        return [begin + i for i, column in enumerate(zip(*shown.rows))
+                if min(pixel >> 8 & 255 for pixel in column) < 128]
+
     def hover(self, row):
         self.run.xdotool("mousemove", *self.rows[row])
 
     def submenu(self, row, number_of_rows):
-        before = self.run.picture_of_all()
+        before = picture_of_menus(self.run)
         self.hover(row)
         return Menu(self.run, before, number_of_rows)
 
@@ -78,9 +87,14 @@ class Menu:
         raise AssertionError("the menu stays open")
 
 
+def picture_of_menus(run):
+    """The part of the editor in which menus come up: both strips have their buttons at the right."""
+    return run.picture_of(run.width - PLACE_OF_MENUS, 0, PLACE_OF_MENUS, run.height)
+
+
 def open_menu(run, button, number_of_rows):
     run.park()
-    before = run.picture_of_all()
+    before = picture_of_menus(run)
     run.click(button)
     return Menu(run, before, number_of_rows)
 

@@ -5,7 +5,7 @@ import os
 import random
 import time
 
-from menus import OVERSAMPLING, SETTINGS_ROWS, open_menu
+from menus import ABOUT, OVERSAMPLING, SETTINGS_ROWS, open_menu
 from panel_places import HEIGHTS
 from standalone import wait_for
 from standalone_case import NEW, OPTIONS, StandaloneCase
@@ -13,6 +13,9 @@ from standalone_case import NEW, OPTIONS, StandaloneCase
 SECONDS = float(os.environ.get("CORVANE_SOAK_SECONDS", "15"))
 SEED = int(os.environ.get("CORVANE_SOAK_SEED", "20250704"))
 DOINGS_AT_A_TIME = 12
+# None that presses a button: the editor's take no keys, so the framework's own around it would open their dialogs.
+KEYS = ("Escape", "Up", "Down", "Left", "Right", "Page_Up", "Home", "End", "Delete", "BackSpace", "a", "5", "minus", "F1",
+        "ctrl+z", "ctrl+v", "shift+Left")
 
 
 class Ends(StandaloneCase):
@@ -25,6 +28,18 @@ class Ends(StandaloneCase):
         run = self.start()
         open_menu(run, "Links", 5)
         self.expect_end(run)
+
+    def test_while_the_about_box_is_open(self):
+        run = self.start()
+        before = run.picture_of_all()
+        open_menu(run, "Settings", SETTINGS_ROWS).choose(ABOUT)
+        wait_for(lambda: not run.picture_of_all().is_like(before), "the box")
+        self.expect_end(run)
+
+    def test_at_once(self):
+        run = self.start(Nuke=1.0)
+        run.ask_to_close()
+        self.assertEqual(run.ended(), 0)
 
     def test_while_a_knob_is_held(self):
         run = self.start()
@@ -51,7 +66,7 @@ class Soak(StandaloneCase):
         def somewhere():
             return run.x + chance.randrange(run.width), run.y + chance.randrange(run.height)
 
-        kind = chance.choice(("click", "click", "double", "drag", "drag", "wheel", "held key"))
+        kind = chance.choice(("click", "click", "double", "drag", "drag", "wheel", "held key", "key"))
         words = ["mousemove", *somewhere()]
         if kind == "double":
             return words + ["click", "--repeat", 2, "--delay", 30, 1]
@@ -59,6 +74,8 @@ class Soak(StandaloneCase):
             return words + ["mousedown", 1, "mousemove", *somewhere(), "mousemove", *somewhere(), "mouseup", 1]
         if kind == "wheel":
             return words + ["click", "--repeat", chance.randint(1, 4), "--delay", 10, chance.choice((4, 5))]
+        if kind == "key":
+            return words + ["key", chance.choice(KEYS)]
         keys = [chance.choice(("ctrl", "alt", "shift"))] if kind == "held key" else []
         return words + run.with_keys(keys, ("click", chance.choice((1, 1, 1, 3))))
 

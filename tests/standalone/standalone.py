@@ -71,7 +71,9 @@ class Home:
         self.programs = self.folder / "programs"
         self.programs.mkdir()
         (self.folder / ".config").mkdir()
-        (self.folder / "no sound").touch()
+        # A list of sound devices with nothing in it. Its path must bear no blank.
+        self.sound_devices = self.folder / "sound-devices"
+        self.sound_devices.touch()
         for name in ("xdg-open", "firefox", "mozilla", "google-chrome", "chromium-browser", "opera", "konqueror"):
             stand_in = self.programs / name
             stand_in.write_text(f"#!/bin/sh\nprintf '%s\\n' \"$*\" >> {shlex.quote(str(self.opened))}\n")
@@ -80,7 +82,7 @@ class Home:
     def environment(self, screen_environment):
         environment = dict(screen_environment, HOME=str(self.folder),
                            PATH=f"{self.programs}:{screen_environment['PATH']}",
-                           ALSA_CONFIG_PATH=str(self.folder / "no sound"), JACK_NO_START_SERVER="1")
+                           ALSA_CONFIG_PATH=str(self.sound_devices), JACK_NO_START_SERVER="1")
         for name, place_in_home in (("CONFIG", ".config"), ("CACHE", ".cache"), ("DATA", ".local/share"),
                                     ("STATE", ".local/state")):
             environment[f"XDG_{name}_HOME"] = str(self.folder / place_in_home)
@@ -93,6 +95,15 @@ class Home:
         """What a session before has left."""
         self.settings.write_text('<?xml version="1.0" encoding="UTF-8"?>\n<PROPERTIES>\n  <VALUE name="filterState" '
                                  f'val="{to_letters(block)}"/>\n</PROPERTIES>\n')
+
+    def keep_sound_device(self, inputs):
+        """A device that swallows all and gives silence, in use for that many inputs and two outputs."""
+        self.sound_devices.write_text("pcm.default { type null }\n")
+        self.settings.write_text(
+            '<PROPERTIES>\n<VALUE name="audioSetup"><DEVICESETUP deviceType="ALSA" '
+            'audioOutputDeviceName="Default ALSA Output" audioInputDeviceName="Default ALSA Input" '
+            f'audioDeviceRate="48000.0" audioDeviceInChans="{"1" * inputs}" audioDeviceOutChans="11"/></VALUE>\n'
+            '<VALUE name="shouldMuteInput" val="0"/>\n</PROPERTIES>\n')
 
     def keep_defaults(self, **values):
         self.defaults.parent.mkdir(exist_ok=True)
