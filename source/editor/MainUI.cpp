@@ -1,9 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+// The front itself: its widgets, how they turn, what they belong to, and where they stand.
 #include "editor/MainUI.h"
 
-#include "parameters/NumberText.h"
-
-#include <cmath>
 #include <utility>
 
 namespace
@@ -15,11 +13,8 @@ const juce::Colour ghostColour { 0xff3c0404 };
 const juce::Colour litColour { 0xffff0000 };
 
 constexpr const char* bandNames[] { "Low", "Mid", "High" };
-
-double clampedShare (double x) noexcept { return juce::jlimit (0.0, 1.0, x); }
 } // namespace
 
-// ---- making ------------------------------------------------------------------------------------
 MainUI::MainUI (CorvaneQ7AudioProcessor& processorToShow) : NVXUI (processorToShow), background (Assets::front())
 {
     setOpaque (true);
@@ -292,7 +287,6 @@ void MainUI::describeControls()
         lamp->setAccessible (false);
 }
 
-// ---- showing -----------------------------------------------------------------------------------
 void MainUI::paint (juce::Graphics& g)
 {
     g.fillAll (juce::Colours::white);
@@ -368,234 +362,4 @@ void MainUI::resized()
     }
 
     moveHighlights();
-}
-
-void MainUI::visibilityChanged()
-{
-    if (isVisible())
-    {
-        refresh();
-        startTimer (refreshTimer, refreshMs);
-        updateMeters();
-        startTimer (meterTimer, meterMs);
-    }
-    else
-    {
-        stopTimer (refreshTimer);
-        stopTimer (meterTimer);
-    }
-}
-
-void MainUI::timerCallback (int timerId)
-{
-    if (timerId == refreshTimer)
-        refresh();
-    else if (timerId == meterTimer)
-        updateMeters();
-}
-
-void MainUI::updateMeters()
-{
-    auto& settings = processor->activeSettings();
-
-    for (int i = 0; i < numBands; ++i)
-    {
-        const auto isGainReduction = settings.bands[i].meter == ChannelSettings::meterControl;
-        const auto value = isGainReduction ? settings.gainReduction (i) : settings.level (i);
-        bands[static_cast<size_t> (i)].meter->update (static_cast<float> (value), isGainReduction);
-    }
-}
-
-void MainUI::refresh()
-{
-    constexpr auto silently = juce::dontSendNotification;
-    const auto& settings = processor->activeSettings();
-
-    // Each field is read once, so that knob and text of a tick agree while automation writes.
-    const auto mixShare = settings.mix;
-    const auto hpfHz = settings.hpfHz, lowHz = settings.lowXOverHz, highHz = settings.highXOverHz;
-    const auto masterDb = settings.masterGainDb.target;
-
-    for (int i = 0; i < numBands; ++i)
-        refreshBand (i, settings.bands[i]);
-
-    // In float, as the host's own text has it: 0.29 shows 29.
-    mix->showValue (clampedShare (mixShare));
-    mixReadout->setText (juce::String (NumberText::toInt (static_cast<float> (mixShare) * 100.0f)) + " %", silently);
-
-    highPass->showValue (std::log10 (hpfHz / 20.0) / 1.3979400087);
-    highPassReadout->setText (hpfHz >= 20.01 ? juce::String (NumberText::toInt (hpfHz)) + " Hz" : juce::String ("OFF"),
-                              silently);
-
-    master->showValue (clampedShare ((masterDb + 10.0) / 30.0));
-    masterReadout->setText (NumberText::fixed (masterDb, 1) + " dB", silently);
-
-    lowXOver->showValue (std::log10 (lowHz / 50.0) * 0.5);
-    setDigits (lowHz, *lowXOverGhost, *lowXOverDigits);
-    highXOver->showValue (std::log10 (highHz / 200.0) / 1.778151250383644);
-    setDigits (highHz, *highXOverGhost, *highXOverDigits);
-
-    nukeLamp->setToggleState (settings.nuke, silently);
-    niveauLamp->setToggleState (settings.niveau, silently);
-    linkLamp->setToggleState (settings.link, silently);
-
-    const auto isProcessing = settings.bypass.target < 0.5;
-    bypassLamp->setToggleState (isProcessing, silently);
-    bypassSwitch->setToggleState (isProcessing, silently);
-
-    refreshMidSide (settings);
-}
-
-void MainUI::refreshBand (int index, const ChannelSettings::Band& settings)
-{
-    constexpr auto silently = juce::dontSendNotification;
-    auto& band = bands[static_cast<size_t> (index)];
-
-    band.meterMode->showValue (settings.meter * 0.5);
-    band.inLamp->setToggleState (settings.in, silently);
-    band.soloLamp->setToggleState (settings.solo, silently);
-
-    // Gain and threshold stand on the grids that their controls have.
-    const auto wholeDb = std::floor (settings.gainDb.target + 0.5);
-    band.gain->showValue (clampedShare ((wholeDb + 1.0) / 21.0));
-    const auto evenDb = 2.0 * std::floor (settings.thresholdDb.target / 2.0 + 0.5);
-    band.threshold->showValue (clampedShare ((evenDb + 20.0) / 30.0));
-
-    band.ratio->showValue (settings.ratio * 0.25);
-    band.attack->showValue (settings.attack / 3.0);
-    band.recovery->showValue (settings.recovery * 0.25);
-}
-
-void MainUI::refreshMidSide (const ChannelSettings& settings)
-{
-    const auto isStereo = processor->getTotalNumInputChannels() == 2;
-
-    if (isStereo != stereoShown)
-    {
-        stereoShown = isStereo;
-        showMidSide (isStereo);
-    }
-
-    if (! stereoShown)
-        return;
-
-    for (int i = 0; i < numBands; ++i)
-    {
-        const auto midSide = settings.bands[i].midSide;
-        bands[static_cast<size_t> (i)].midLamp->setToggleState (midSide == 0.0, juce::dontSendNotification);
-        bands[static_cast<size_t> (i)].sideLamp->setToggleState (midSide == 1.0, juce::dontSendNotification);
-    }
-}
-
-void MainUI::showMidSide (bool shouldBeSeen)
-{
-    for (auto& band : bands)
-        for (auto* widget :
-             std::initializer_list<juce::Component*> { band.midSideButton.get(), band.midLamp.get(),
-                                                       band.sideLamp.get(), band.midLabel.get(), band.sideLabel.get() })
-            widget->setVisible (shouldBeSeen);
-}
-
-void MainUI::setDigits (double frequency, juce::Label& ghost, juce::Label& lit)
-{
-    const auto show = [&] (const char* unlit, const juce::String& text)
-    {
-        ghost.setText (unlit, juce::dontSendNotification);
-        lit.setText (text, juce::dontSendNotification);
-    };
-
-    // The form is chosen before anything is rounded: 999.6 Hz shows 1000.
-    if (frequency >= 9000.0)
-        show ("88.8", NumberText::fixed (frequency * 0.001, 1));
-    else if (frequency >= 1000.0)
-        show ("8.88", NumberText::fixed (frequency * 0.001, 2));
-    else
-        show ("888", juce::String (NumberText::toInt (frequency + 0.5)));
-}
-
-// ---- the user's doing --------------------------------------------------------------------------
-void MainUI::sliderValueChanged (juce::Slider* slider)
-{
-    const auto index = getControlParameterIndex (*slider);
-
-    if (index < 0)
-        return;
-
-    const auto value = static_cast<float> (slider->getValue());
-    processor->setParameterNotifyingHost (index,
-                                          processor->isParameterOrientationInverted (index) ? 1.0f - value : value);
-}
-
-void MainUI::sliderDragStarted (juce::Slider* slider)
-{
-    const auto index = getControlParameterIndex (*slider);
-    const auto* knob = dynamic_cast<NVXSlider*> (slider);
-
-    if (index < 0 || (knob != nullptr && knob->isWheelMoving()))
-        return;
-
-    std::vector<int> held { index };
-
-    // A linked control moves its two siblings: hosts that record automation want to know of those as well.
-    if (processor->activeSettings().link && ParameterTable::isBandControl (index) && ! processor->hostWantsSilentLink())
-        for (const auto sibling : ParameterTable::siblingsOf (index))
-            held.push_back (sibling);
-
-    gestures.begin (slider, std::move (held));
-}
-
-void MainUI::sliderDragEnded (juce::Slider* slider) { gestures.end (slider); }
-
-template <typename Change>
-void MainUI::changeParameter (int index, Change change)
-{
-    const auto& parameters = processor->getParameters();
-
-    if (! juce::isPositiveAndBelow (index, parameters.size()))
-        return;
-
-    // From the parameter and not from the button, so that automation which moved meanwhile counts.
-    auto* parameter = parameters[index];
-    parameter->beginChangeGesture();
-    parameter->setValueNotifyingHost (change (parameter->getValue()));
-    parameter->endChangeGesture();
-}
-
-void MainUI::buttonClicked (juce::Button* button)
-{
-    if (clickedMidSideLamp (button))
-        return;
-
-    const auto index = getControlParameterIndex (*button);
-
-    if (index < 0)
-        return;
-
-    if (dynamic_cast<MSButton*> (button) != nullptr)
-        changeParameter (index, [] (float value) { return value + 0.5f > 1.0f ? 0.0f : value + 0.5f; });
-    else
-        changeParameter (index, [] (float value) { return 1.0f - value; });
-}
-
-bool MainUI::clickedMidSideLamp (juce::Button* button)
-{
-    for (auto& band : bands)
-    {
-        const auto isMid = button == band.midLamp.get();
-
-        if (! isMid && button != band.sideLamp.get())
-            continue;
-
-        const auto index = getControlParameterIndex (*band.midSideButton);
-
-        if (isMid)
-            changeParameter (index, [] (float value) { return value > 0.0f ? 0.0f : 0.5f; });
-        else
-            changeParameter (index, [] (float value) { return value < 1.0f ? 1.0f : 0.5f; });
-
-        button->setToggleState (! button->getToggleState(), juce::dontSendNotification);
-        return true;
-    }
-
-    return false;
 }
