@@ -291,7 +291,7 @@ class Linked(StandaloneCase):
 class Slots(StandaloneCase):
     def test_two_slots_of_settings(self):
         run = self.start()
-        a_lit, b_dark = run.picture("A"), run.picture("B")
+        a_lit, to_b, b_dark = (run.picture(key) for key in ("A", "Copy", "B"))
         run.click("LowSolo")
         run.drag("HighRatio", up=40)
         self.expect_lamps_of_new(run, plus=["LowSolo lamp"])
@@ -301,6 +301,7 @@ class Slots(StandaloneCase):
         run.park()
         run.expect_change("A", a_lit)
         run.expect_change("B", b_dark)
+        run.expect_change("Copy", to_b)
         run.click("Nuke")
         self.expect_lamps_of_new(run, plus=["Nuke lamp"])
 
@@ -309,6 +310,7 @@ class Slots(StandaloneCase):
         run.park()
         run.expect_picture("A", a_lit)
         run.expect_picture("B", b_dark)
+        run.expect_picture("Copy", to_b)
         self.expect_end(run, LowSolo=1.0, HighRatio=1.0)
 
     def test_the_audible_slot_is_kept(self):
