@@ -2,13 +2,15 @@
 # The everyday commands. All logic stands in CMake or in a script; `make demo` and `make test` are each enough on a
 # bare Debian 12 machine with `make`, since they install the packages that they need.
 
-.PHONY: help demo build test bench artwork screenshots fuzz tsan install format clean
+.PHONY: help demo build test bench golden-check golden-print artwork screenshots fuzz tsan install format clean
 
 help:
 	@echo "make demo         build, render the demo loop through three programs, say where everything lies"
 	@echo "make build        optimised bundles and renderer, into build/release"
 	@echo "make test         all tests, optimised and under the sanitizers"
 	@echo "make bench        nanoseconds per frame of every stage and of the whole; cost of the window"
+	@echo "make golden-check  today's samples and meters against the stored ones, bit for bit"
+	@echo "make golden-print  store today's anew; the commit says what is heard to differ"
 	@echo "make artwork      every bitmap of the editor and its font, from their sources"
 	@echo "make screenshots  pictures of the editor in all its states, into build/screenshots"
 	@echo "make fuzz         libFuzzer on the session reader, for a minute"
@@ -30,6 +32,10 @@ test:
 bench:
 	@scripts/install-packages.sh build test bench
 	@scripts/bench.sh
+
+golden-check golden-print:
+	@scripts/install-packages.sh build test
+	@scripts/golden.sh $@
 
 artwork:
 	@scripts/install-packages.sh build artwork
