@@ -10,7 +10,7 @@
 /** Where everything on the console front stands, and how its knobs turn: the one place for both.
 
     Places are fractions of the panel's size, so that a zoom is a new layout. The artwork's legends and scale marks are
-    computed from the same figures (ScaleMarks.h), so whoever moves a control makes the artwork anew.
+    computed from the same figures (tools/views/ScaleMarks.h), so whoever moves a control makes the artwork anew.
 */
 namespace MainUILayout
 {

@@ -2,8 +2,7 @@
 // What is printed on the front, measured in the bitmap: a tick where each knob's pointer stops, a mark where each
 // meter's needle rests, and pointers that point straight up.
 #include "EditorFixture.h"
-
-#include "editor/ScaleMarks.h"
+#include "views/ScaleMarks.h"
 
 #include <algorithm>
 #include <cmath>

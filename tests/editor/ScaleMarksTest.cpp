@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The printed scales against the controls themselves: a mark stands where the pointer stops.
+#include "views/ScaleMarks.h"
 #include "EditorFixture.h"
 #include "ExpectedPanel.h"
-
-#include "editor/ScaleMarks.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // corvane-views: pictures of the editor, and the geometry for the artwork.
-#include "editor/ScaleMarks.h"
 #include "views/EditorViews.h"
+#include "views/ScaleMarks.h"
 
 #include <CLI/CLI.hpp>
 #include <juce_gui_basics/juce_gui_basics.h>

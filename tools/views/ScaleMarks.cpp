@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "editor/ScaleMarks.h"
+#include "views/ScaleMarks.h"
 
 #include "editor/widgets/VertMeter.h"
 #include "processor/CorvaneQ7AudioProcessor.h"
