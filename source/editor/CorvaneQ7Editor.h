@@ -34,7 +34,7 @@ public:
     void resized() override;
     void setControlHighlight (ParameterControlHighlightInfo) override;
     int getControlParameterIndex (juce::Component&) override;
-    void comboBoxChanged (juce::ComboBox*) override {} // the editor has none of its own
+    void comboBoxChanged (juce::ComboBox*) override {} // it has none: for one to come, as the look has its drawing
     void openDialog (int dialogId) override;
     void closeDialog (int dialogId) override;
     void applyZoom() override;

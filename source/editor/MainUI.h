@@ -60,7 +60,7 @@ public:
     void sliderValueChanged (juce::Slider*) override;
 
     NVXLNF lookAndFeel; // before the widgets, which use it to their end
-    DialogListener* dialogListener = nullptr;
+    DialogListener* dialogListener = nullptr; // every panel can open dialogs; this one opens none yet
 
     /** What each band has. */
     struct BandWidgets
