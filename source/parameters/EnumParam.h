@@ -11,14 +11,17 @@ class EnumParam : public CorvaneQ7Param
 public:
     static_assert (static_cast<int> (std::size (Values::rows)) == N);
 
-    EnumParam (const juce::String& identifier, const juce::String& displayName, ChannelSettings& record,
-               bool finiteSteps)
-        : CorvaneQ7Param (identifier, displayName, record, finiteSteps), rows (Values::rows, N)
+    /** Rows are steps in every wrapper: the last argument is the family's. */
+    EnumParam (const juce::String& identifier, const juce::String& displayName, ChannelSettings& record, bool)
+        : CorvaneQ7Param (identifier, displayName, record, true), rows (Values::rows, N)
     {
     }
 
     static int toRow (float x) noexcept { return NumberText::toInt (static_cast<double> (x) * (N - 1) + 0.5); }
-    static float toNormalised (int row) noexcept { return static_cast<float> (static_cast<double> (row) / (N - 1)); }
+    static constexpr float toNormalised (int row) noexcept
+    {
+        return static_cast<float> (static_cast<double> (row) / (N - 1));
+    }
 
     int getNumSteps() const override { return N; }
     juce::String getText (float x, int) const override { return rows[toRow (x)]; } // empty beyond the table

@@ -114,7 +114,12 @@ private:
 class BypassParameter final : public SettingsParameter
 {
 public:
-    using SettingsParameter::SettingsParameter;
+    /** Two steps in every wrapper: the last argument is that of all controls. */
+    BypassParameter (const juce::String& identifier, const juce::String& displayName, ChannelSettings& record, bool)
+        : SettingsParameter (identifier, displayName, record)
+    {
+    }
+
     float getValue() const override { return settings->bypass.target >= 0.5 ? 1.0f : 0.0f; }
     float getDefaultValue() const override { return 0.0f; }
     int getNumSteps() const override { return 2; }

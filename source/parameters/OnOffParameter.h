@@ -7,7 +7,11 @@
 class OnOffParameter : public CorvaneQ7Param
 {
 public:
-    using CorvaneQ7Param::CorvaneQ7Param;
+    /** Two steps in every wrapper: the last argument is the family's. */
+    OnOffParameter (const juce::String& identifier, const juce::String& displayName, ChannelSettings& record, bool)
+        : CorvaneQ7Param (identifier, displayName, record, true)
+    {
+    }
 
     int getNumSteps() const override { return 2; }
     juce::String getText (float x, int) const override { return x >= 0.5f ? "On" : "Off"; }

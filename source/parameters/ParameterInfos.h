@@ -78,21 +78,21 @@ struct OutLevelParameterInfos : InLevelParameterInfos
 {
 };
 
-/** Ranges of the frequency controls: f = lowest * 10^(decades * x), in Hz. */
+/** Ranges of the frequency controls: f = lowest * 10^(decades * x), in Hz, up to `highest`. */
 struct HPFParameterInfos
 {
-    static constexpr double lowest = 20.0, decades = 1.3979400087; // to 500 Hz
+    static constexpr double lowest = 20.0, highest = 500.0, decades = 1.3979400087;
     static constexpr double defaultValue = 0.0;
 };
 
 struct LowXOverParameterInfos
 {
-    static constexpr double lowest = 50.0, decades = 2.0; // to 5 kHz
+    static constexpr double lowest = 50.0, highest = 5000.0, decades = 2.0;
     static constexpr double defaultValue = 0.30103;
 };
 
 struct HighXOverParameterInfos
 {
-    static constexpr double lowest = 200.0, decades = 1.778151250383644; // to 12 kHz
+    static constexpr double lowest = 200.0, highest = 12000.0, decades = 1.778151250383644;
     static constexpr double defaultValue = 0.786176;
 };

@@ -1,69 +1,37 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "parameters/ParameterForm.h"
+
 #include <array>
+#include <memory>
 
-class CorvaneQ7AudioProcessor;
+class SettingsParameter;
+struct ChannelSettings;
 
-/** The 38 controls in their fixed order. The order is the host's index, the order of a session's attributes and the
-    arithmetic of Link (a band's block of nine follows the previous band's): nothing may ever change in it. */
+/** The controls in their fixed order: what each is called, what it does, how it is written, and which class it is of.
+
+    The order is the host's index, the order of a session's attributes and the arithmetic of Link (a band's block of nine
+    follows the previous band's): nothing may ever change in it, and what is new goes to the end.
+*/
 namespace ParameterTable
 {
 constexpr int numBandControls = 9; // of one band
 constexpr int numBands = 3;
+constexpr int numParameters = 38;
 
 struct Row
 {
     const char* identifier; // stored by sessions and hosts
     const char* name;       // what the host shows
+    const char* sentence;   // what the control does, for people
+    ParameterForm form;
+
+    /** The object of this row, bound to a record. finiteSteps: the wrapper wants steps even of a frequency. */
+    std::unique_ptr<SettingsParameter> (*make) (const Row&, ChannelSettings&, bool finiteSteps);
 };
 
-// clang-format off
-constexpr Row rows[] {
-    { "LowMeter", "Low Meter" },
-    { "LowIn", "Low In" },
-    { "LowSolo", "Low Solo" },
-    { "LowMidSide", "Low Mid Side" },
-    { "LowGain", "Low Gain" },
-    { "LowRatio", "Low Ratio" },
-    { "LowThreshold", "Low Threshold" },
-    { "LowAttack", "Low Attack" },
-    { "LowRecovery", "Low Recovery" },
-    { "MidMeter", "Mid Meter" },
-    { "MidIn", "Mid In" },
-    { "MidSolo", "Mid Solo" },
-    { "MidMidSide", "Mid Mid Side" },
-    { "MidGain", "Mid Gain" },
-    { "MidRatio", "Mid Ratio" },
-    { "MidThreshold", "Mid Threshold" },
-    { "MidAttack", "Mid Attack" },
-    { "MidRecovery", "Mid Recovery" },
-    { "HighMeter", "High Meter" },
-    { "HighIn", "High In" },
-    { "HighSolo", "High Solo" },
-    { "HighMidSide", "High Mid Side" },
-    { "HighGain", "High Gain" },
-    { "HighRatio", "High Ratio" },
-    { "HighThreshold", "High Threshold" },
-    { "HighAttack", "High Attack" },
-    { "HighRecovery", "High Recovery" },
-    { "Mix", "Mix" },
-    { "HPF", "HPF" },
-    { "MasterGain", "Master Gain" },
-    // Class-like as they look, the names of the two crossovers are what hosts know.
-    { "LowXOver", "Low XOverParameter" },
-    { "HighXOver", "High XOverParameter" },
-    { "Nuke", "Nuke" },
-    { "Niveau", "Niveau" },
-    { "Link", "Link" },
-    { "Bypass", "Bypass" },
-    { "InLevel", "In Level" },
-    { "OutLevel", "Out Level" }
-};
-// clang-format on
-
-constexpr int numParameters = static_cast<int> (std::size (rows));
-static_assert (numParameters == 38);
+extern const Row (&rows)[numParameters];
 
 constexpr bool isBandControl (int index) noexcept { return index >= 0 && index < numBands * numBandControls; }
 
@@ -79,7 +47,4 @@ constexpr std::array<int, 2> siblingsOf (int index) noexcept
 
 /** The index of an identifier, or -1. */
 int indexOf (const char* identifier) noexcept;
-
-/** Creates the objects in order, bound to the active record, and hands them to the processor. */
-void addParametersTo (CorvaneQ7AudioProcessor& processor);
 } // namespace ParameterTable

@@ -7,7 +7,7 @@
 
 #include <juce_audio_processors/juce_audio_processors.h>
 
-/** What all 38 controls share: a view of one field of the active record, and the one road of a change.
+/** What all controls share: a view of one field of the active record, and the one road of a change.
 
     A parameter stores nothing of its own. setValue, from wherever it is called (host automation, editor, state, a
     linked band, an index), always runs the same sequence once: the field is written, a linked band control forwards

@@ -31,7 +31,11 @@ CorvaneQ7AudioProcessor::CorvaneQ7AudioProcessor()
         programNames[i] = FactoryPrograms::name (i);
     }
 
-    ParameterTable::addParametersTo (*this);
+    // Some wrappers want a number of steps even for a continuous control.
+    const auto finiteSteps = wrapperType == wrapperType_AAX || wrapperType == wrapperType_Standalone;
+
+    for (const auto& row : ParameterTable::rows)
+        addParameter (row.make (row, activeSettings(), finiteSteps).release());
 }
 
 void CorvaneQ7AudioProcessor::prepareToPlay (double sampleRate, int estimatedSamplesPerBlock)

@@ -14,7 +14,7 @@ protected:
     CorvaneQ7AudioProcessor processor;
     const int index = GetParam();
     const juce::AudioProcessorParameter& parameter = *processor.getParameters()[index];
-    const ParameterText::Form& form = ParameterText::formOf (index);
+    const ParameterForm& form = ParameterTable::rows[index].form;
 
     static float typed (int i, const std::string& text) { return ParameterText::toNormalised (i, text); }
     float typed (const std::string& text) const { return typed (index, text); }
@@ -65,7 +65,7 @@ std::vector<int> controlsWhere (Wanted&& wanted)
     std::vector<int> all;
 
     for (int i = 0; i < ParameterTable::numParameters; ++i)
-        if (wanted (ParameterText::formOf (i)))
+        if (wanted (ParameterTable::rows[i].form))
             all.push_back (i);
 
     return all;

@@ -171,8 +171,8 @@ class Lists(RendererCase):
 
     def test_keys_keep_their_order(self):
         for control in self.controls:
-            self.assertEqual(list(control), ["index", "identifier", "name", "kind", "unit", "range", "steps", "default",
-                                             "texts", "meta"])
+            self.assertEqual(list(control), ["index", "identifier", "name", "description", "kind", "unit", "range",
+                                             "steps", "default", "texts", "meta"])
             self.assertEqual(list(control["default"]), ["normalised", "text"])
 
     def test_tells_what_a_control_is(self):
@@ -189,6 +189,8 @@ class Lists(RendererCase):
         self.assertIsNone(by_name["MidRatio"]["range"])
         self.assertTrue(by_name["MidRatio"]["meta"])
         self.assertEqual(sum(control["meta"] for control in self.controls), 18)
+        self.assertEqual(by_name["HighXOver"]["description"], "Where the middle band ends and the high band begins.")
+        self.assertEqual(by_name["LowSolo"]["description"], by_name["HighSolo"]["description"])
 
     def test_every_text_it_names_can_be_set(self):
         for control in self.controls:
@@ -206,10 +208,12 @@ class Lists(RendererCase):
                 self.assertAlmostEqual(float(attributes[control["identifier"]]), control["default"]["normalised"],
                                        delta=6e-8)      # a step of float below 1
 
-    def test_the_plain_list_has_a_line_for_each(self):
-        lines = self.succeed("--list-parameters").splitlines()
-        self.assertEqual([line.split()[1] for line in lines[1:]], [c["identifier"] for c in self.controls])
-        self.assertRegex(lines[7], r"^6 +LowThreshold +Low Threshold +decibels +-20 to 10 dB +16 +-10\.0dB "
+    def test_the_plain_list_has_a_line_for_each_and_what_it_does_below(self):
+        header, *lines = self.succeed("--list-parameters").splitlines()
+        self.assertEqual(header.split()[:3], ["#", "identifier", "name"])
+        self.assertEqual([line.split()[1] for line in lines[::2]], [c["identifier"] for c in self.controls])
+        self.assertEqual(lines[1::2], ["    " + c["description"] for c in self.controls])
+        self.assertRegex(lines[12], r"^6 +LowThreshold +Low Threshold +decibels +-20 to 10 dB +16 +-10\.0dB "
                                    r"+0\.33333334 +no +-20\.0dB to 10\.0dB$")
 
 

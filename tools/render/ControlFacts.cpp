@@ -6,8 +6,9 @@
 
 ControlFacts::ControlFacts (CorvaneQ7AudioProcessor& processor, int indexToUse)
     : index (indexToUse), identifier (ParameterTable::rows[index].identifier),
-      name (processor.getParameterName (index).toStdString()), form (ParameterText::formOf (index)),
-      defaultValue (processor.getParameterDefaultValue (index)), isMeta (processor.isMetaParameter (index))
+      name (processor.getParameterName (index).toStdString()), sentence (ParameterTable::rows[index].sentence),
+      form (ParameterTable::rows[index].form), defaultValue (processor.getParameterDefaultValue (index)),
+      isMeta (processor.isMetaParameter (index))
 {
     const auto* parameter = processor.getParameters()[index];
     const auto textAt = [parameter] (float x) { return parameter->getText (x, 0).toStdString(); };

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "parameters/ParameterForm.h"
 #include "processor/CorvaneQ7AudioProcessor.h"
-#include "render/ParameterText.h"
 
 #include <optional>
 #include <string>
@@ -14,8 +14,8 @@ struct ControlFacts
     ControlFacts (CorvaneQ7AudioProcessor& processor, int index);
 
     int index;
-    std::string identifier, name;
-    const ParameterText::Form& form;
+    std::string identifier, name, sentence;
+    const ParameterForm& form;
     std::optional<int> numSteps; // none where it is continuous
     float defaultValue;          // normalised: a host's reset, and what a state without the control gives
     std::string defaultText;

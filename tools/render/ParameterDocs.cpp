@@ -5,55 +5,17 @@
 #include "render/ControlFacts.h"
 #include "render/PendingFile.h"
 #include "render/TextFile.h"
+#include "render/TypedText.h"
 
 #include <sstream>
 
 namespace
 {
-/** What the controls do, a sentence each: the nine of a band, then those that the bands share. */
-constexpr const char* sentences[] = {
-    "Chooses what the band's meter shows: the level going in, the gain reduction, or the level coming out.",
-    "Puts the band's compressor in; off lets the band through as it came.",
-    "Mutes every band whose own Solo is off, as soon as one is on.",
-    "Mid turns down the sum of the two channels alone and listens to the left one, Side turns down their difference "
-    "and listens to the right one; Off turns down both sides alike and listens to both.",
-    "Make-up behind the compressor; auto gives back what the band turned down on average over about two seconds.",
-    "How hard the band holds down what is louder.",
-    "Where the band begins to turn down: the lower, the more it compresses.",
-    "How fast the band turns down; the labels are those of the unit's switch, not measured times.",
-    "How fast the band comes back; Auto comes back fast after a short peak and slowly after a long loud passage.",
-
-    "Share of the processed sound; the rest is the input, kept in time with it.",
-    "Takes the lows out of what the detectors listen to, so that they cause less compression; the sound keeps them.",
-    "Level of the processed sound behind the transformer, before Mix adds the input.",
-    "Where the low band ends and the middle band begins.",
-    "Where the middle band ends and the high band begins.",
-    "Overdrives everything: detectors 20 dB more sensitive, 15 dB more make-up (but not at auto), and 20 dB more into "
-    "the transformer.",
-    "Tilts what the detectors listen to, 18 dB less at the bottom and 18 dB more at the top, so that the lows cause "
-    "less compression.",
-    "While it is on, moving a control of one band moves the same control of the other two; switching it on moves "
-    "nothing.",
-    "Fades to the input within a tenth of a second, in time with the processed sound.",
-    "Level into the unit; the input that Mix adds is not changed.",
-    "Level out of the unit, before Mix adds the input.",
-};
-
-static_assert (std::size (sentences)
-               == ParameterTable::numParameters - (ParameterTable::numBands - 1) * ParameterTable::numBandControls);
-
-const char* sentenceOf (int index) noexcept
-{
-    constexpr auto shared = ParameterTable::numBands * ParameterTable::numBandControls;
-    return sentences[index < shared ? index % ParameterTable::numBandControls
-                                    : index - shared + ParameterTable::numBandControls];
-}
-
 constexpr auto introduction =
     R"(<!-- Made by `corvane-render --write-parameter-docs docs/PARAMETERS.md --force`. Not to be edited. -->
 # The controls
 
-All 38 controls of Corvane Q7, in the order in which a host counts them. Neither the order nor an identifier ever
+All NUMBER controls of Corvane Q7, in the order in which a host counts them. Neither the order nor an identifier ever
 changes, for sessions keep controls by identifier and hosts keep automation by both.
 
 - **Identifier**: the name in a session's state, in a settings text and on `corvane-render`'s command line, as in
@@ -99,7 +61,7 @@ std::string takenBy (const ControlFacts& control)
 std::string rowOf (const ControlFacts& control, const std::string& whenNew)
 {
     return "| " + std::to_string (control.index) + " | " + control.name + " | " + code (control.identifier) + " | "
-           + sentenceOf (control.index) + " | " + takenBy (control) + " | "
+           + control.sentence + " | " + takenBy (control) + " | "
            + (control.numSteps ? std::to_string (*control.numSteps) : "smooth") + " | " + code (control.defaultText)
            + " (" + TypedText::shortest (control.defaultValue) + ") | " + code (whenNew) + " |\n";
 }
@@ -121,7 +83,7 @@ std::string page (CorvaneQ7AudioProcessor& processor)
     constexpr const char* sections[] = { "The low band", "The mid band", "The high band", "The whole unit" };
     const auto controls = ControlFacts::ofAll (processor);
     std::ostringstream text;
-    text << introduction;
+    text << juce::String (introduction).replace ("NUMBER", juce::String (ParameterTable::numParameters));
 
     processor.activeSettings() = processor.programs.front();
 

@@ -2,6 +2,8 @@
 #include "render/ParameterList.h"
 
 #include "render/ControlFacts.h"
+#include "render/ParameterText.h"
+#include "render/TypedText.h"
 
 #include <nlohmann/json.hpp>
 
@@ -48,7 +50,7 @@ Row rowOf (const ControlFacts& control)
              textsOf (control) };
 }
 
-std::string inColumns (const std::vector<Row>& rows)
+std::vector<std::string> inColumns (const std::vector<Row>& rows)
 {
     std::vector<std::size_t> widths (rows.front().size());
 
@@ -56,7 +58,7 @@ std::string inColumns (const std::vector<Row>& rows)
         for (std::size_t i = 0; i < row.size(); ++i)
             widths[i] = std::max (widths[i], row[i].size());
 
-    std::string all;
+    std::vector<std::string> lines;
 
     for (const auto& row : rows)
     {
@@ -65,13 +67,13 @@ std::string inColumns (const std::vector<Row>& rows)
         for (std::size_t i = 0; i < row.size(); ++i)
             line += row[i] + std::string (widths[i] - row[i].size() + 2, ' ');
 
-        all += line.substr (0, line.find_last_not_of (' ') + 1) + '\n';
+        lines.push_back (line.substr (0, line.find_last_not_of (' ') + 1));
     }
 
-    return all;
+    return lines;
 }
 
-nlohmann::ordered_json rangeOf (const ParameterText::Form& form)
+nlohmann::ordered_json rangeOf (const ParameterForm& form)
 {
     if (! form.takesNumbers())
         return nullptr;
@@ -87,6 +89,7 @@ nlohmann::ordered_json objectOf (const ControlFacts& control)
     object["index"] = control.index;
     object["identifier"] = control.identifier;
     object["name"] = control.name;
+    object["description"] = control.sentence;
     object["kind"] = ParameterText::nameOf (control.form.kind);
     object["unit"] = control.form.unit;
     object["range"] = rangeOf (control.form);
@@ -104,10 +107,18 @@ std::string ParameterList::plain (CorvaneQ7AudioProcessor& processor)
     std::vector<Row> rows { { "#", "identifier", "name", "kind", "range", "steps", "default", "normalised", "meta",
                               "texts" } };
 
-    for (const auto& control : ControlFacts::ofAll (processor))
+    const auto controls = ControlFacts::ofAll (processor);
+
+    for (const auto& control : controls)
         rows.push_back (rowOf (control));
 
-    return inColumns (rows);
+    const auto lines = inColumns (rows);
+    auto all = lines.front() + '\n';
+
+    for (std::size_t i = 0; i < controls.size(); ++i)
+        all += lines[i + 1] + "\n    " + controls[i].sentence + '\n';
+
+    return all;
 }
 
 std::string ParameterList::json (CorvaneQ7AudioProcessor& processor)

@@ -8,7 +8,7 @@
 /** The controls as a list, in their fixed order. */
 namespace ParameterList
 {
-/** A line each, in columns, for a person to read. */
+/** For a person to read: a line each, in columns, and below it what the control does. */
 std::string plain (CorvaneQ7AudioProcessor& processor);
 
 /** The same for programs to read. Keys keep their order. */

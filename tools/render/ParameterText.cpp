@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "render/ParameterText.h"
 
-#include "parameters/BandParameters.h"
-#include "parameters/GlobalParameters.h"
 #include "parameters/ParameterTable.h"
 #include "render/NearestName.h"
 
@@ -10,124 +8,11 @@
 
 namespace
 {
-using ParameterText::Form;
-using ParameterText::Kind;
-using ParameterText::Word;
+using Kind = ParameterForm::Kind;
 
-template <typename Values>
-Form choice()
+std::string listOf (const ParameterForm::Words& words)
 {
-    Form form { Kind::choice };
-    const auto last = static_cast<int> (std::size (Values::rows)) - 1;
-
-    for (int row = 0; row <= last; ++row)
-        form.words.push_back ({ Values::rows[row], static_cast<float> (static_cast<double> (row) / last) });
-
-    form.mapping = "the nearest row, counted evenly from 0 to 1";
-    return form;
-}
-
-Form twoWords (const char* off, const char* on)
-{
-    Form form { Kind::onOff, { { off, 0.0f }, { on, 1.0f } } };
-    form.mapping = "the second from 0.5 up";
-    return form;
-}
-
-template <typename Infos>
-Form decibels (int lowest, const char* example, const char* mapping)
-{
-    Form form { Kind::decibels };
-    form.unit = "dB";
-    form.lowest = lowest;
-    form.highest = static_cast<int> (Infos::minimum + Infos::range);
-    form.step = static_cast<int> (Infos::grid);
-    form.example = example;
-    form.normalised = DoubleParameter<Infos>::toNormalised;
-    form.mapping = mapping;
-    return form;
-}
-
-Form midSide()
-{
-    Form form { Kind::choice, { { "Mid", 0.0f }, { "Off", 0.5f }, { "Side", 1.0f } } };
-    form.mapping = "the nearest row, counted evenly from 0 to 1";
-    return form;
-}
-
-Form gain()
-{
-    auto form = decibels<LowGainParameterInfos> (0, "4dB", "21 x - 1 dB, to the nearest whole number; -1 is auto");
-    form.words = { { "auto", 0.0f } };
-    return form;
-}
-
-Form threshold()
-{
-    return decibels<LowThresholdParameterInfos> (-20, "-12dB", "30 x - 20 dB, to the nearest even number");
-}
-
-Form mix()
-{
-    Form form { Kind::percent };
-    form.unit = "%";
-    form.highest = 100;
-    form.example = "80%";
-    form.normalised = [] (double percent) { return MixParameter::toNormalised (percent * 0.01); };
-    form.mapping = "100 x %";
-    return form;
-}
-
-template <typename Scale>
-Form frequency (int lowest, int highest, const char* example, const char* mapping)
-{
-    Form form { Kind::frequency };
-    form.unit = "Hz";
-    form.lowest = lowest;
-    form.highest = highest;
-    form.example = example;
-    form.normalised = [] (double hz) { return static_cast<float> (Scale::toNormalised (hz)); };
-    form.mapping = mapping;
-    return form;
-}
-
-Form highPass()
-{
-    auto form = frequency<HPFParameter::Scale> (20, 500, "100Hz", "20 * 10^(1.39794 x) Hz; below 20.01 Hz it is off");
-    form.words = { { "OFF", 0.0f } };
-    return form;
-}
-
-std::vector<Form> makeForms()
-{
-    std::vector<Form> forms;
-    const auto onOff = twoWords ("Off", "On");
-
-    // The order of the table: nine a band, then what the bands share.
-    for (int band = 0; band < ParameterTable::numBands; ++band)
-        for (const auto& form : { choice<MeterValues>(), onOff, onOff, midSide(), gain(), choice<RatioValues>(),
-                                  threshold(), choice<AttackValues>(), choice<RecoveryValues>() })
-            forms.push_back (form);
-
-    forms.push_back (mix());
-    forms.push_back (highPass());
-    forms.push_back (decibels<MasterGainParameterInfos> (-10, "1.5dB", "30 x - 10 dB"));
-    forms.push_back (frequency<LowXOverParameter::Scale> (50, 5000, "200Hz", "50 * 100^x Hz"));
-    forms.push_back (frequency<HighXOverParameter::Scale> (200, 12000, "5000Hz", "200 * 60^x Hz"));
-    forms.push_back (onOff); // Nuke
-    forms.push_back (onOff); // Niveau
-    forms.push_back (onOff); // Link
-    forms.push_back (twoWords ("In", "Byp"));
-    forms.push_back (decibels<InLevelParameterInfos> (-10, "-1.5dB", "20 x - 10 dB"));
-    forms.push_back (decibels<OutLevelParameterInfos> (-10, "-1.5dB", "20 x - 10 dB"));
-
-    jassert (forms.size() == static_cast<std::size_t> (ParameterTable::numParameters));
-    return forms;
-}
-
-std::string listOf (const std::vector<Word>& words)
-{
-    std::string list = words.front().text;
+    std::string list = words[0].text;
 
     for (std::size_t i = 1; i < words.size(); ++i)
         list += (i + 1 < words.size() ? ", " : " or ") + std::string (words[i].text);
@@ -140,7 +25,7 @@ const char* unitInWords (Kind kind) noexcept
     return kind == Kind::decibels ? "decibels" : kind == Kind::percent ? "a percentage" : "hertz";
 }
 
-std::string whatIsTaken (const Form& form)
+std::string whatIsTaken (const ParameterForm& form)
 {
     if (! form.takesNumbers())
         return listOf (form.words);
@@ -153,13 +38,7 @@ std::string whatIsTaken (const Form& form)
 }
 } // namespace
 
-const ParameterText::Form& ParameterText::formOf (int index)
-{
-    static const auto forms = makeForms();
-    return forms[static_cast<std::size_t> (index)];
-}
-
-const char* ParameterText::nameOf (Kind kind) noexcept
+const char* ParameterText::nameOf (ParameterForm::Kind kind) noexcept
 {
     switch (kind)
     {
@@ -204,7 +83,7 @@ float ParameterText::toNormalised (int index, const std::string& text)
 {
     using NearestName::inSmallLetters;
 
-    const auto& form = formOf (index);
+    const auto& form = ParameterTable::rows[index].form;
     const auto wanted = inSmallLetters (TypedText::trimmed (text));
 
     for (const auto& word : form.words)

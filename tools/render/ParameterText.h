@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "parameters/ParameterForm.h"
 #include "render/TypedText.h"
 
 #include <string>
@@ -14,44 +15,10 @@
 */
 namespace ParameterText
 {
-enum class Kind
-{
-    choice,
-    onOff,
-    decibels,
-    percent,
-    frequency
-};
-
-/** A text that is no number. */
-struct Word
-{
-    const char* text;
-    float normalised;
-};
-
-/** What a control takes: words, numbers in a unit, or both. */
-struct Form
-{
-    Kind kind;
-    std::vector<Word> words {}; // from the lowest position up
-    const char* unit = "";      // of numbers
-    int lowest = 0, highest = 0;
-    int step = 0;                           // between the points that the control knows; 0 is none
-    const char* example = "";               // a number with its unit
-    float (*normalised) (double) = nullptr; // from a number in the unit
-    const char* mapping = "";               // to a value, for people: x is normalised
-
-    bool takesNumbers() const noexcept { return normalised != nullptr; }
-};
-
-/** index: 0 to 37. */
-const Form& formOf (int index);
-
 /** "decibels", "choice" and so on. */
-const char* nameOf (Kind kind) noexcept;
+const char* nameOf (ParameterForm::Kind kind) noexcept;
 
-/** The 38 identifiers in order. */
+/** The identifiers in order. */
 const std::vector<std::string>& identifiers();
 
 /** The place of a name among others. Throws a TextError, which offers the one that comes nearest if one is near. */

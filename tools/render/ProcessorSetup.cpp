@@ -42,8 +42,7 @@ void ProcessorSetup::useProgram (int program)
 
 void ProcessorSetup::make (const ParameterChange& change)
 {
-    constexpr int meter = 0; // of a band's controls the first
-    static_assert (std::string_view (ParameterTable::rows[meter].identifier) == "LowMeter");
+    const auto meter = ParameterTable::indexOf ("LowMeter"); // of the other bands so many controls on
 
     processor.setParameter (change.index, change.normalised);
 

@@ -37,7 +37,7 @@ std::string textOfControl (CorvaneQ7AudioProcessor& processor, int index)
     const auto x = processor.getParameter (index);
 
     // A panel cuts a share off, so that the 53% which somebody typed reads 52%; a text that is read again rounds it.
-    const auto text = ParameterText::formOf (index).kind == ParameterText::Kind::percent
+    const auto text = ParameterTable::rows[index].form.kind == ParameterForm::Kind::percent
                           ? NumberText::fixed (100.0 * static_cast<double> (x), 0) + "%"
                           : processor.getParameterText (index);
 
