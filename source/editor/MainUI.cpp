@@ -191,31 +191,38 @@ void MainUI::setTravels()
 
 void MainUI::bindControls()
 {
-    int index = 0;
-
-    // The order is the parameters' own.
-    for (auto& band : bands)
+    const auto bind = [this] (const juce::String& identifier, juce::Component* control)
     {
-        juce::Component* const controls[] { band.meterMode.get(),     band.inButton.get(), band.soloButton.get(),
-                                            band.midSideButton.get(), band.gain.get(),     band.ratio.get(),
-                                            band.threshold.get(),     band.attack.get(),   band.recovery.get() };
+        const auto index = ParameterTable::indexOf (identifier.toRawUTF8());
+        jassert (index >= 0);
+        bindControl (index, control);
+    };
 
-        for (auto* control : controls)
-            bindControl (index++, control);
+    for (int i = 0; i < numBands; ++i)
+    {
+        auto& band = bands[static_cast<size_t> (i)];
+        const juce::String name (bandNames[i]);
+
+        bind (name + "Meter", band.meterMode.get());
+        bind (name + "In", band.inButton.get());
+        bind (name + "Solo", band.soloButton.get());
+        bind (name + "MidSide", band.midSideButton.get());
+        bind (name + "Gain", band.gain.get());
+        bind (name + "Ratio", band.ratio.get());
+        bind (name + "Threshold", band.threshold.get());
+        bind (name + "Attack", band.attack.get());
+        bind (name + "Recovery", band.recovery.get());
     }
 
-    const std::pair<const char*, juce::Component*> globals[] { { "Mix", mix.get() },
-                                                               { "HPF", highPass.get() },
-                                                               { "MasterGain", master.get() },
-                                                               { "LowXOver", lowXOver.get() },
-                                                               { "HighXOver", highXOver.get() },
-                                                               { "Nuke", nukeButton.get() },
-                                                               { "Niveau", niveauButton.get() },
-                                                               { "Link", linkButton.get() },
-                                                               { "Bypass", bypassSwitch.get() } };
-
-    for (const auto& [identifier, control] : globals)
-        bindControl (ParameterTable::indexOf (identifier), control);
+    bind ("Mix", mix.get());
+    bind ("HPF", highPass.get());
+    bind ("MasterGain", master.get());
+    bind ("LowXOver", lowXOver.get());
+    bind ("HighXOver", highXOver.get());
+    bind ("Nuke", nukeButton.get());
+    bind ("Niveau", niveauButton.get());
+    bind ("Link", linkButton.get());
+    bind ("Bypass", bypassSwitch.get());
 }
 
 void MainUI::setDefaults()

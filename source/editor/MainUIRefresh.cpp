@@ -1,14 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // From the record to the widgets: two timers, and nothing that tells anybody.
 #include "editor/MainUI.h"
-#include "parameters/NumberText.h"
-
-#include <cmath>
-
-namespace
-{
-double clampedShare (double x) noexcept { return juce::jlimit (0.0, 1.0, x); }
-} // namespace
+#include "parameters/BandParameters.h"
+#include "parameters/GlobalParameters.h"
 
 void MainUI::visibilityChanged()
 {
@@ -60,19 +54,19 @@ void MainUI::refresh()
         refreshBand (i, settings.bands[i]);
 
     // In float, as the host's own text has it: 0.29 shows 29.
-    mix->showValue (clampedShare (mixShare));
+    mix->showValue (MixParameter::toPosition (mixShare));
     mixReadout->setText (juce::String (NumberText::toInt (static_cast<float> (mixShare) * 100.0f)) + " %", silently);
 
-    highPass->showValue (std::log10 (hpfHz / 20.0) / 1.3979400087);
+    highPass->showValue (HPFParameter::Scale::toPosition (hpfHz));
     highPassReadout->setText (hpfHz >= 20.01 ? juce::String (NumberText::toInt (hpfHz)) + " Hz" : juce::String ("OFF"),
                               silently);
 
-    master->showValue (clampedShare ((masterDb + 10.0) / 30.0));
+    master->showValue (MasterGainParameter::toPosition (masterDb));
     masterReadout->setText (NumberText::fixed (masterDb, 1) + " dB", silently);
 
-    lowXOver->showValue (std::log10 (lowHz / 50.0) * 0.5);
+    lowXOver->showValue (LowXOverParameter::Scale::toPosition (lowHz));
     setDigits (lowHz, *lowXOverGhost, *lowXOverDigits);
-    highXOver->showValue (std::log10 (highHz / 200.0) / 1.778151250383644);
+    highXOver->showValue (HighXOverParameter::Scale::toPosition (highHz));
     setDigits (highHz, *highXOverGhost, *highXOverDigits);
 
     nukeLamp->setToggleState (settings.nuke, silently);
@@ -91,19 +85,16 @@ void MainUI::refreshBand (int index, const ChannelSettings::Band& settings)
     constexpr auto silently = juce::dontSendNotification;
     auto& band = bands[static_cast<size_t> (index)];
 
-    band.meterMode->showValue (settings.meter * 0.5);
+    // The controls' own scales, which are the same in all bands.
+    band.meterMode->showValue (MeterParameter<0>::toPosition (settings.meter));
+    band.ratio->showValue (RatioParameter<0>::toPosition (settings.ratio));
+    band.attack->showValue (AttackParameter<0>::toPosition (settings.attack));
+    band.recovery->showValue (RecoveryParameter<0>::toPosition (settings.recovery));
+    band.gain->showValue (GainParameter<0>::toPosition (settings.gainDb.target));
+    band.threshold->showValue (ThresholdParameter<0>::toPosition (settings.thresholdDb.target));
+
     band.inLamp->setToggleState (settings.in, silently);
     band.soloLamp->setToggleState (settings.solo, silently);
-
-    // Gain and threshold stand on the grids that their controls have.
-    const auto wholeDb = std::floor (settings.gainDb.target + 0.5);
-    band.gain->showValue (clampedShare ((wholeDb + 1.0) / 21.0));
-    const auto evenDb = 2.0 * std::floor (settings.thresholdDb.target / 2.0 + 0.5);
-    band.threshold->showValue (clampedShare ((evenDb + 20.0) / 30.0));
-
-    band.ratio->showValue (settings.ratio * 0.25);
-    band.attack->showValue (settings.attack / 3.0);
-    band.recovery->showValue (settings.recovery * 0.25);
 }
 
 void MainUI::refreshMidSide (const ChannelSettings& settings)

@@ -21,11 +21,13 @@ public:
         return onGrid (Infos::range * static_cast<double> (limited) + Infos::minimum);
     }
 
-    /** The control's unit to normalised, on its grid, limited to 0 to 1. */
-    static float toNormalised (double value) noexcept
+    /** The control's unit to its position from 0 to 1, on its grid and limited. */
+    static double toPosition (double value) noexcept
     {
-        return static_cast<float> (std::clamp ((onGrid (value) - Infos::minimum) / Infos::range, 0.0, 1.0));
+        return std::clamp ((onGrid (value) - Infos::minimum) / Infos::range, 0.0, 1.0);
     }
+
+    static float toNormalised (double value) noexcept { return static_cast<float> (toPosition (value)); }
 
     float getDefaultValue() const override { return static_cast<float> (Infos::defaultValue); }
     int getNumSteps() const override { return Infos::numSteps; }
@@ -56,7 +58,8 @@ struct FrequencyScale
         return Infos::lowest * std::pow (10.0, Infos::decades * static_cast<double> (x));
     }
 
-    static double toNormalised (double hz) noexcept { return std::log10 (hz / Infos::lowest) / Infos::decades; }
+    static double toPosition (double hz) noexcept { return std::log10 (hz / Infos::lowest) / Infos::decades; }
+    static float toNormalised (double hz) noexcept { return static_cast<float> (toPosition (hz)); }
 
     static juce::String text (double hz) { return juce::String (NumberText::toInt (hz + 0.5)) + "Hz"; }
 

@@ -18,10 +18,8 @@ public:
     }
 
     static int toRow (float x) noexcept { return NumberText::toInt (static_cast<double> (x) * (N - 1) + 0.5); }
-    static constexpr float toNormalised (int row) noexcept
-    {
-        return static_cast<float> (static_cast<double> (row) / (N - 1));
-    }
+    static constexpr double toPosition (int row) noexcept { return static_cast<double> (row) / (N - 1); }
+    static constexpr float toNormalised (int row) noexcept { return static_cast<float> (toPosition (row)); }
 
     int getNumSteps() const override { return N; }
     juce::String getText (float x, int) const override { return rows[toRow (x)]; } // empty beyond the table

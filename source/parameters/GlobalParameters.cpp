@@ -22,7 +22,7 @@ juce::String HPFParameter::getText (float x, int) const
 
 float HPFParameter::getValueForText (const juce::String& text) const
 {
-    return text == "OFF" ? 0.0f : finiteOrDefault (Scale::toNormalised (Scale::hzFrom (text)));
+    return text == "OFF" ? 0.0f : finiteOrDefault (Scale::toPosition (Scale::hzFrom (text)));
 }
 
 void MasterGainParameter::store (float x) noexcept

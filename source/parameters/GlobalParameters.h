@@ -24,7 +24,7 @@ public:
     using Scale = FrequencyScale<HPFParameterInfos>;
     using CorvaneQ7Param::CorvaneQ7Param;
 
-    float getValue() const override { return static_cast<float> (Scale::toNormalised (settings->hpfHz)); }
+    float getValue() const override { return Scale::toNormalised (settings->hpfHz); }
     float getDefaultValue() const override { return static_cast<float> (HPFParameterInfos::defaultValue); }
     int getNumSteps() const override;
     juce::String getText (float x, int) const override;
@@ -57,14 +57,14 @@ public:
     {
     }
 
-    float getValue() const override { return static_cast<float> (Scale::toNormalised (settings->*field)); }
+    float getValue() const override { return Scale::toNormalised (settings->*field); }
     float getDefaultValue() const override { return static_cast<float> (Infos::defaultValue); }
     int getNumSteps() const override { return useFiniteSteps ? 1001 : continuousSteps; }
     juce::String getText (float x, int) const override { return Scale::text (Scale::toHz (x)); }
 
     float getValueForText (const juce::String& text) const override
     {
-        return finiteOrDefault (Scale::toNormalised (Scale::hzFrom (text)));
+        return finiteOrDefault (Scale::toPosition (Scale::hzFrom (text)));
     }
 
 private:

@@ -90,7 +90,7 @@ constexpr Form frequency (const char* example, const char* mapping) noexcept
     form.lowest = static_cast<int> (Infos::lowest);
     form.highest = static_cast<int> (Infos::highest);
     form.example = example;
-    form.normalised = [] (double hz) { return static_cast<float> (FrequencyScale<Infos>::toNormalised (hz)); };
+    form.normalised = FrequencyScale<Infos>::toNormalised;
     form.mapping = mapping;
     return form;
 }

@@ -288,6 +288,16 @@ TEST_F (Editor, KnowsTheParameterOfAllItsControls)
     EXPECT_EQ (37, editor->getControlParameterIndex (toolbar().outLevelSlider));
 }
 
+TEST_F (Editor, HasAControlForEveryParameter)
+{
+    for (const auto* parameter : processor.getParameters())
+    {
+        const auto index = parameter->getParameterIndex();
+        EXPECT_EQ (1u, panel().controlsOfParameter.count (index) + toolbar().controlsOfParameter.count (index))
+            << parameter->getName (64) << " is bound neither on the panel nor on the toolbar";
+    }
+}
+
 TEST_F (Editor, KnowsNoParameterOfAnythingElse)
 {
     juce::Component stranger;

@@ -19,7 +19,7 @@ extern "C" int LLVMFuzzerTestOneInput (const std::uint8_t* data, std::size_t siz
 
 namespace
 {
-constexpr int blockLength = 32, numParameters = 38;
+constexpr int blockLength = 32;
 
 /** Stops where the fuzzer sees it, in any kind of build. */
 void require (bool condition)
@@ -35,7 +35,7 @@ struct Snapshot
         : calibrationGain (p.activeSettings().calibrationGain), zoom (p.uiZoom), factor (p.oversamplingRequested),
           latency (p.getLatencySamples())
     {
-        for (int i = 0; i < numParameters; ++i)
+        for (int i = 0; i < p.getNumParameters(); ++i)
             values.push_back (p.getParameter (i));
     }
 
@@ -132,7 +132,7 @@ void reset (CorvaneQ7AudioProcessor& processor)
 {
     auto& record = processor.activeSettings();
 
-    for (int i = 0; i < numParameters; ++i)
+    for (int i = 0; i < processor.getNumParameters(); ++i)
         processor.setParameter (i, processor.getParameterDefaultValue (i));
 
     record.linkGuard = false;
