@@ -4,6 +4,7 @@
 #include "dsp/VectorOps.h"
 
 #include <algorithm>
+#include <cassert>
 #include <cmath>
 
 namespace
@@ -139,7 +140,7 @@ void BandCompressor::process (float* const* bandChannels, int numSamples) noexce
 
 void BandCompressor::makePaths (float* const* bandChannels, int numSamples) noexcept
 {
-    jassert (ready && numSamples <= pool.length());
+    assert (ready && numSamples <= pool.length());
 
     driveRamp.fill (vector (driveVector), numSamples);
     wetRamp.fill (vector (wetVector), numSamples);

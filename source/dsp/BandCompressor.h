@@ -7,7 +7,7 @@
 #include "dsp/RCSection.h"
 #include "dsp/ScratchPool.h"
 #include "dsp/SmoothedSVFilter.h"
-#include "processor/ChannelSettings.h"
+#include "settings/ChannelSettings.h"
 
 /** One band: a feedback compressor whose gain element is driven by a capacitor voltage, solved sample by sample.
 

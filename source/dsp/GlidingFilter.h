@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "dsp/ScratchPool.h"
 #include "dsp/VectorOps.h"
-#include "processor/LinearSmoother.h"
-
-#include <juce_audio_basics/juce_audio_basics.h>
+#include "settings/LinearSmoother.h"
 
 #include <array>
+#include <cassert>
 #include <cmath>
 #include <vector>
 
@@ -45,7 +45,7 @@ public:
         for (const auto& smoother : smoothers)
             gliding = gliding || smoother.remaining != 0;
 
-        jassert (! ready || numSamples <= unfiltered.getNumSamples());
+        assert (! ready || numSamples <= unfiltered.length());
 
         if (fading)
             keepUnfilteredShare (channels, numChannels, numSamples);
@@ -91,7 +91,7 @@ protected:
             smoother.restAtTarget (length);
 
         mix.restAtTarget (length);
-        unfiltered.setSize (numChannels + 2, maxSamples);
+        unfiltered.grow (numChannels + 2, maxSamples);
 
         for (auto& vector : glide)
             vector.assign (static_cast<std::size_t> (maxSamples), 0.0);
@@ -123,9 +123,8 @@ private:
 
     void keepUnfilteredShare (float* const* channels, int numChannels, int n) noexcept
     {
-        auto* const* vectors = unfiltered.getArrayOfWritePointers();
-        auto* in = vectors[numChannels];
-        auto* out = vectors[numChannels + 1];
+        auto* in = unfiltered[numChannels];
+        auto* out = unfiltered[numChannels + 1];
 
         mix.fill (in, n);
 
@@ -133,15 +132,13 @@ private:
             out[i] = 1.0f - in[i];
 
         for (int c = 0; c < numChannels; ++c)
-            VectorOps::multiply (channels[c], out, vectors[c], n);
+            VectorOps::multiply (channels[c], out, unfiltered[c], n);
     }
 
     void addUnfilteredShare (float* const* channels, int numChannels, int n) noexcept
     {
-        auto* const* vectors = unfiltered.getArrayOfWritePointers();
-
         for (int c = 0; c < numChannels; ++c)
-            VectorOps::multiplyAdd (channels[c], vectors[numChannels], vectors[c], channels[c], n);
+            VectorOps::multiplyAdd (channels[c], unfiltered[numChannels], unfiltered[c], channels[c], n);
     }
 
     void filterGliding (float* const* channels, int numChannels, int n) noexcept
@@ -188,5 +185,5 @@ private:
     }
 
     std::array<std::vector<double>, static_cast<std::size_t> (numCoefficients)> glide; // per-sample coefficients
-    juce::AudioBuffer<float> unfiltered; // a share a channel, then mix, then 1 - mix
+    ScratchPool unfiltered; // a share a channel, then mix, then 1 - mix
 };

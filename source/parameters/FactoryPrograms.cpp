@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "parameters/FactoryPrograms.h"
 
-#include "processor/Decibels.h"
+#include "settings/Decibels.h"
 
 namespace
 {

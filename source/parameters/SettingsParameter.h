@@ -3,7 +3,7 @@
 
 #include "parameters/NumberText.h"
 #include "parameters/ParameterInfos.h"
-#include "processor/ChannelSettings.h"
+#include "settings/ChannelSettings.h"
 
 #include <juce_audio_processors/juce_audio_processors.h>
 

@@ -2,7 +2,7 @@
 #include "parameters/UserDefaults.h"
 
 #include "parameters/NumberText.h"
-#include "processor/Decibels.h"
+#include "settings/Decibels.h"
 
 namespace
 {

@@ -9,7 +9,7 @@
 #include "parameters/FactoryPrograms.h"
 #include "parameters/PluginState.h"
 #include "parameters/UserDefaults.h"
-#include "processor/ChannelSettings.h"
+#include "settings/ChannelSettings.h"
 #include "processor/NoiseSource.h"
 #include "processor/RmsFollower.h"
 #include "processor/Vst3GainReduction.h"

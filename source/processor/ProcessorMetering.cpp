@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // What the meters show: running levels before and behind a band, and their decay while no band runs.
 #include "processor/CorvaneQ7AudioProcessor.h"
-#include "processor/Decibels.h"
+#include "settings/Decibels.h"
 
 #include <algorithm>
 

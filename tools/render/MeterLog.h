@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "processor/ChannelSettings.h"
+#include "settings/ChannelSettings.h"
 #include "render/PendingFile.h"
 
 #include <array>

@@ -3,7 +3,7 @@
 
 #include "parameters/NumberText.h"
 #include "parameters/ParameterTable.h"
-#include "processor/Decibels.h"
+#include "settings/Decibels.h"
 #include "render/ParameterText.h"
 #include "render/RenderError.h"
 #include "render/TextFile.h"

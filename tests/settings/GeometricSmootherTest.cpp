@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "processor/GeometricSmoother.h"
+#include "settings/GeometricSmoother.h"
 
 #include <gtest/gtest.h>
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "processor/GeometricSmoother.h"
-#include "processor/LinearSmoother.h"
+#include "settings/GeometricSmoother.h"
+#include "settings/LinearSmoother.h"
 
 class CorvaneQ7AudioProcessor;
 

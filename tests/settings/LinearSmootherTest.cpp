@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "processor/LinearSmoother.h"
+#include "settings/LinearSmoother.h"
 
 #include <gtest/gtest.h>
 

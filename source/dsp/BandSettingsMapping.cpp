@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // What the user set, turned into the circuit values of a band.
 #include "dsp/BandCompressor.h"
-#include "processor/Decibels.h"
+#include "settings/Decibels.h"
 
 #include <iterator>
 

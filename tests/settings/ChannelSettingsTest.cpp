@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "processor/ChannelSettings.h"
+#include "settings/ChannelSettings.h"
 
 #include "processor/CorvaneQ7AudioProcessor.h"
 
