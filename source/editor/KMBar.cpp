@@ -10,7 +10,7 @@ constexpr int logoWidth = 114, keySize = 24;
 
 KMBar::KMBar()
     : logoButton (std::make_unique<PictureButton> (Assets::barLogo())),
-      menuButton (std::make_unique<PictureButton> (Assets::barMenu())),
+      menuButton (std::make_unique<PictureButton> (Assets::barMenu())), manual (ProductLinks::manual()),
       openAddress ([] (const juce::String& address) { juce::URL (address).launchInDefaultBrowser(); }),
       openFile ([] (const juce::File& file) { file.startAsProcess(); })
 {
@@ -66,8 +66,8 @@ void KMBar::performMenuItem (int id)
     switch (id)
     {
         case manualId:
-            if (const auto file = ProductLinks::manual(); file.existsAsFile())
-                openFile (file);
+            if (manual.existsAsFile())
+                openFile (manual);
             break;
         case productId: openAddress (ProductLinks::productPage()); break;
         case updatesId: openAddress (ProductLinks::downloadPage()); break;

@@ -42,7 +42,9 @@ public:
     LNF lookAndFeel; // before the widgets, which use it to their end
     std::unique_ptr<PictureButton> logoButton, menuButton;
 
-    /** What opens an address and a file with the system; tests put their own here. */
+    /** Where the manual lies if it is installed, and what opens an address and a file with the system; tests put their
+        own here. */
+    juce::File manual;
     std::function<void (const juce::String&)> openAddress;
     std::function<void (const juce::File&)> openFile;
 

@@ -2,6 +2,8 @@
 #include "editor/ProductLinks.h"
 #include "EditorFixture.h"
 
+#include <cstdlib>
+
 namespace
 {
 class BottomBar : public EditorTest
@@ -102,17 +104,69 @@ TEST_F (BottomBar, TheManualLiesInTheSystemsApplicationsFolder)
     EXPECT_EQ (applications.getChildFile ("Harbor Guild/Corvane Q7/Corvane Q7 Manual.pdf"), ProductLinks::manual());
 }
 
-TEST_F (BottomBar, OpensTheManualWhereThereIsOneAndElseDoesNothing)
+TEST_F (BottomBar, OpensTheManualWhereThereIsOne)
 {
+    EXPECT_EQ (ProductLinks::manual(), bar().manual);
+
+    const juce::TemporaryFile manual (".pdf");
+    ASSERT_TRUE (manual.getFile().replaceWithText ("a manual"));
+    bar().manual = manual.getFile();
     bar().performMenuItem (1);
+    EXPECT_EQ ((std::vector<juce::File> { manual.getFile() }), files);
+    EXPECT_TRUE (addresses.empty());
+}
 
-    if (ProductLinks::manual().existsAsFile())
-        EXPECT_EQ ((std::vector<juce::File> { ProductLinks::manual() }), files);
-    else
-        EXPECT_TRUE (files.empty());
+TEST_F (BottomBar, WithoutAManualItDoesNothingAndSaysNothing)
+{
+    const juce::TemporaryFile folder;
+    const auto missing = folder.getFile().getChildFile ("Manual.pdf");
+    ASSERT_TRUE (folder.getFile().createDirectory());
 
+    for (const auto& place : { missing, folder.getFile() }) // a folder of that name is no manual either
+    {
+        bar().manual = place;
+        bar().performMenuItem (1);
+    }
+
+    EXPECT_TRUE (files.empty());
     EXPECT_TRUE (addresses.empty());
     EXPECT_EQ (0, juce::ModalComponentManager::getInstance()->getNumModalComponents()); // no message
+}
+
+TEST (BottomBarByItself, HandsManualAndAddressesToTheSystem)
+{
+    // A program that stands in for the one which opens things, and notes what it is given.
+    const juce::TemporaryFile place;
+    const auto folder = place.getFile();
+    const auto note = folder.getChildFile ("opened"), manual = folder.getChildFile ("The Manual.pdf");
+    const auto program = folder.getChildFile ("xdg-open");
+    ASSERT_TRUE (folder.createDirectory());
+    ASSERT_TRUE (manual.replaceWithText ("a manual"));
+    ASSERT_TRUE (
+        program.replaceWithText ("#!/bin/sh\necho \"$1\" >> '" + note.getFullPathName() + "'\n", false, false, "\n"));
+    ASSERT_TRUE (program.setExecutePermission (true));
+    const auto path = juce::SystemStats::getEnvironmentVariable ("PATH", {});
+    ::setenv ("PATH", (folder.getFullPathName() + ":" + path).toRawUTF8(), 1);
+
+    KMBar bar;
+    bar.manual = manual;
+    juce::String expected;
+
+    for (const auto& [id, opened] :
+         { std::pair { 1, manual.getFullPathName() }, { 5, juce::String (ProductLinks::brandHome) } })
+    {
+        bar.performMenuItem (id);
+        expected << opened << "\n";
+
+        // Another process writes it, whenever the machine comes to that.
+        for (int i = 0; i < 3000 && note.loadFileAsString() != expected; ++i)
+            juce::Thread::sleep (10);
+
+        EXPECT_EQ (expected, note.loadFileAsString());
+    }
+
+    ::setenv ("PATH", path.toRawUTF8(), 1);
+    folder.deleteRecursively();
 }
 
 TEST_F (BottomBar, UnknownIdsDoNothing)
