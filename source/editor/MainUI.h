@@ -59,7 +59,7 @@ public:
     void buttonClicked (juce::Button*) override;
     void sliderValueChanged (juce::Slider*) override;
 
-    NVXLNF lookAndFeel; // before the widgets, which use it to their end
+    NVXLNF lookAndFeel;                       // before the widgets, which use it to their end
     DialogListener* dialogListener = nullptr; // every panel can open dialogs; this one opens none yet
 
     /** What each band has. */

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // What a screen reader is told.
+#include "editor/ProductLinks.h"
 #include "EditorFixture.h"
 #include "ExpectedPanel.h"
 
@@ -114,12 +115,139 @@ TEST_F (Accessibility, MetersSayWhatTheyShow)
     EXPECT_EQ (juce::String ("silence"), valueTextOf (meter));
 }
 
+TEST_F (Accessibility, MetersAreTextsThatNobodyCanWrite)
+{
+    for (auto& each : panel().bands)
+    {
+        const auto handler = each.meter->createAccessibilityHandler();
+        EXPECT_EQ (juce::AccessibilityRole::staticText, handler->getRole());
+        ASSERT_NE (nullptr, handler->getValueInterface());
+        EXPECT_TRUE (handler->getValueInterface()->isReadOnly());
+        handler->getValueInterface()->setValueAsString ("3 dB");
+        EXPECT_EQ (each.meter->valueText(), handler->getValueInterface()->getCurrentValueAsString());
+    }
+}
+
+TEST_F (Accessibility, EveryKeyOfTheFrontIsAButtonThatCanBePressed)
+{
+    auto keys = 0;
+
+    for (const auto& [index, controls] : panel().controlsOfParameter)
+    {
+        auto* key = dynamic_cast<NVXButton*> (controls.front());
+
+        if (key == nullptr)
+            continue;
+
+        ++keys;
+        const auto* parameter = processor.getParameters()[index];
+        const auto before = valueTextOf (*key);
+        const auto handler = key->createAccessibilityHandler();
+        ASSERT_NE (nullptr, handler);
+        EXPECT_EQ (juce::AccessibilityRole::button, handler->getRole()) << key->getTitle();
+        ASSERT_NE (nullptr, handler->getValueInterface());
+        EXPECT_TRUE (handler->getValueInterface()->isReadOnly());
+        EXPECT_TRUE (handler->getActions().invoke (juce::AccessibilityActionType::press)) << key->getTitle();
+        EXPECT_NE (before, valueTextOf (*key)) << key->getTitle();
+        EXPECT_EQ (parameter->getText (parameter->getValue(), 64), valueTextOf (*key));
+    }
+
+    EXPECT_EQ (3 * 3 + 4, keys);
+}
+
+TEST_F (Accessibility, EveryPictureKeyIsAButtonAndThoseThatStayLitSayIt)
+{
+    const juce::String none, on ("On"), off ("Off");
+    std::vector<std::pair<PictureButton*, juce::String>> keys { { &toolbar().settingsButton, none },
+                                                                { &toolbar().aButton, on },
+                                                                { &toolbar().bButton, off },
+                                                                { &toolbar().copyAtoBButton, none },
+                                                                { &toolbar().copyBtoAButton, none },
+                                                                { editor->bar->logoButton.get(), none },
+                                                                { editor->bar->menuButton.get(), none } };
+
+    for (auto& each : panel().bands)
+        for (auto* lamp : { each.midLamp.get(), each.sideLamp.get() })
+            keys.emplace_back (lamp, off);
+
+    for (const auto& [key, state] : keys)
+    {
+        const auto handler = key->createAccessibilityHandler();
+        ASSERT_NE (nullptr, handler);
+        EXPECT_EQ (juce::AccessibilityRole::button, handler->getRole()) << key->getTitle();
+        EXPECT_TRUE (handler->getActions().contains (juce::AccessibilityActionType::press)) << key->getTitle();
+        ASSERT_NE (nullptr, handler->getValueInterface());
+        EXPECT_TRUE (handler->getValueInterface()->isReadOnly());
+        EXPECT_EQ (state, handlersText (*key)) << key->getTitle();
+
+        // As it is then, and not as it was when the reader asked first.
+        key->setToggleState (! key->getToggleState(), juce::dontSendNotification);
+        const auto other = state == none ? none : state == on ? off : on;
+        EXPECT_EQ (other, handler->getValueInterface()->getCurrentValueAsString()) << key->getTitle();
+    }
+}
+
+TEST_F (Accessibility, APictureKeyIsPressedOnceWhateverKeysTheReaderHolds)
+{
+    PictureButton key { Assets::barMenu() };
+    auto clicks = 0;
+    key.onClick = [&clicks] { ++clicks; };
+    const auto handler = key.createAccessibilityHandler();
+
+    for (const auto held : { 0, Mouse::alt, Mouse::ctrl | Mouse::alt, Mouse::shift })
+    {
+        const juce::ScopedValueSetter<juce::ModifierKeys> keyboard (juce::ModifierKeys::currentModifiers,
+                                                                    juce::ModifierKeys (held));
+        clicks = 0;
+        EXPECT_TRUE (handler->getActions().invoke (juce::AccessibilityActionType::press));
+        EXPECT_EQ (1, clicks) << held;
+    }
+}
+
+TEST_F (Accessibility, PressesOfThePictureKeysDoWhatTheirClicksDo)
+{
+    const auto press = [] (PictureButton& key)
+    { EXPECT_TRUE (key.createAccessibilityHandler()->getActions().invoke (juce::AccessibilityActionType::press)); };
+
+    press (toolbar().bButton);
+    EXPECT_EQ (1, processor.activeSlot);
+    press (toolbar().aButton);
+    EXPECT_EQ (0, processor.activeSlot);
+    press (*band (0).midLamp);
+    EXPECT_EQ (0.0f, valueOf (3));
+    press (*band (2).sideLamp);
+    EXPECT_EQ (1.0f, valueOf (21));
+    automate (27, 0.25f);
+    press (toolbar().copyAtoBButton);
+    EXPECT_EQ (0.25, processor.settingsSlots[1].mix);
+
+    juce::String opened;
+    editor->bar->openAddress = [&opened] (const juce::String& address) { opened = address; };
+    press (*editor->bar->logoButton);
+    EXPECT_EQ (juce::String (ProductLinks::distributorHome), opened);
+}
+
+TEST_F (Accessibility, TheAboutBoxIsADialogThatAPressCloses)
+{
+    auto& box = *editor->about;
+    EXPECT_EQ (juce::String ("About"), box.getTitle());
+    EXPECT_EQ (juce::String ("Click to close"), box.getHelpText());
+
+    editor->openDialog (0);
+    const auto handler = box.createAccessibilityHandler();
+    ASSERT_NE (nullptr, handler);
+    EXPECT_EQ (juce::AccessibilityRole::dialogWindow, handler->getRole());
+    EXPECT_EQ (juce::String ("About"), handler->getTitle());
+    EXPECT_EQ (juce::String ("Click to close"), handler->getHelp());
+    EXPECT_TRUE (handler->getActions().invoke (juce::AccessibilityActionType::press));
+    EXPECT_FALSE (box.isVisible());
+}
+
 TEST_F (Accessibility, AKeyCanBePressed)
 {
     auto& key = *panel().nukeButton;
     const auto handler = key.createAccessibilityHandler();
     ASSERT_NE (nullptr, handler);
-    EXPECT_EQ (juce::AccessibilityRole::button, handler->getRole());
     EXPECT_EQ (juce::String ("Off"), valueTextOf (key));
     EXPECT_TRUE (handler->getActions().invoke (juce::AccessibilityActionType::press));
     Mouse::dispatchMessages();

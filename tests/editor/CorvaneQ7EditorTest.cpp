@@ -113,6 +113,25 @@ TEST (EditorSize, NoZoomOfASessionMakesItVanishOrOutgrowTheScreen)
     }
 }
 
+TEST (EditorSize, ItsZoomHasTwoBounds)
+{
+    const juce::Rectangle<int> huge { 0, 0, 40000, 40000 };
+    const juce::Point<int> smallest { 472, 253 }, largest { 13500, 7230 }; // 0.35 and 10 times 1350 by 723
+    EXPECT_EQ (smallest, CorvaneQ7Editor::sizeFor (0.35f, huge));
+    EXPECT_EQ (largest, CorvaneQ7Editor::sizeFor (10.0f, huge));
+
+    for (const auto below : { 0.349f, 0.3f, 0.0f, -1.0f, -std::numeric_limits<float>::infinity() })
+        EXPECT_EQ (smallest, CorvaneQ7Editor::sizeFor (below, huge)) << below;
+
+    for (const auto above : { 10.01f, 11.0f, 1.0e30f, std::numeric_limits<float>::infinity() })
+        EXPECT_EQ (largest, CorvaneQ7Editor::sizeFor (above, huge)) << above;
+
+    EXPECT_EQ ((juce::Point<int> { 675, 361 }), CorvaneQ7Editor::sizeFor (0.5f, huge));
+    EXPECT_EQ ((juce::Point<int> { 12825, 6868 }), CorvaneQ7Editor::sizeFor (9.5f, huge));
+    EXPECT_EQ ((juce::Point<int> { 1350, 723 }),
+               CorvaneQ7Editor::sizeFor (std::numeric_limits<float>::quiet_NaN(), huge));
+}
+
 TEST_F (Editor, TakesTheProcessorsZoomAndHasNoneOfItsOwn)
 {
     const auto monitor = [this]
@@ -133,6 +152,37 @@ TEST_F (Editor, TakesTheProcessorsZoomAndHasNoneOfItsOwn)
         EXPECT_EQ (expected.x, another.getWidth());
         EXPECT_EQ (expected.y, another.getHeight());
     }
+}
+
+TEST_F (Editor, IsMeasuredByTheMonitorThatItStandsOn)
+{
+    // A small one that is the main one, and a large one at its right. The framework's list may hold none at all here.
+    auto& monitors = const_cast<juce::Array<juce::Displays::Display>&> (
+        juce::Desktop::getInstance().getDisplays().displays); // NOLINT: the object behind it is not constant
+    const juce::ScopedValueSetter<juce::Array<juce::Displays::Display>> own (monitors, {});
+    juce::Displays::Display small, large;
+    small.isMain = true;
+    small.totalArea = { 0, 0, 1280, 800 };
+    small.userArea = { 0, 100, 1280, 600 }; // without the desktop's own bar
+    large.totalArea = { 1280, 0, 2560, 1440 };
+    large.userArea = { 1280, 40, 2560, 1400 };
+
+    for (const auto& order : { std::pair { small, large }, std::pair { large, small } })
+    {
+        monitors = { order.first, order.second };
+
+        for (const auto& [left, monitor] :
+             { std::pair { 100, small }, { 1400, large }, { 1000, large }, { -600, small } })
+        {
+            editor->setBounds (left, 100, 1350, 600); // the one with the larger part of it counts
+            editor->applyZoom();
+            const auto expected = CorvaneQ7Editor::sizeFor (1.0f, monitor.userArea);
+            EXPECT_EQ (expected, (juce::Point<int> { editor->getWidth(), editor->getHeight() })) << left;
+        }
+    }
+
+    EXPECT_NE (CorvaneQ7Editor::sizeFor (1.0f, small.userArea), CorvaneQ7Editor::sizeFor (1.0f, large.userArea));
+    EXPECT_NE (CorvaneQ7Editor::sizeFor (1.0f, small.userArea), CorvaneQ7Editor::sizeFor (1.0f, small.totalArea));
 }
 
 TEST_F (Editor, AZoomKeepsThePosition)

@@ -287,6 +287,37 @@ TYPED_TEST (MenuLook, ColoursOfRows)
     EXPECT_TRUE (found);
 }
 
+TYPED_TEST (MenuLook, TheArrowOfASubmenuHasSixTenthsOfTheFontsHeight)
+{
+    TypeParam look;
+    const auto fontHeight = look.getPopupMenuFont().getHeight();
+    RowState row;
+    row.hasSubMenu = true;
+
+    for (const auto& area : { juce::Rectangle<int> { 0, 0, 200, 24 }, { 7, 9, 180, 14 }, { 0, 3, 220, 40 } })
+    {
+        const auto rowHeight = static_cast<float> (area.getHeight());
+        const auto height = 0.6f * std::min (fontHeight, rowHeight / 1.3f);
+        const auto left = static_cast<float> (area.getRight() - 1 - static_cast<int> (height)); // 1 px of margin
+        const auto middle = static_cast<float> (area.getY()) + 0.5f * rowHeight;
+        juce::Image expected (juce::Image::ARGB, 220, 60, true);
+        {
+            juce::Graphics g (expected);
+            g.setColour (look.findColour (juce::PopupMenu::textColourId));
+            juce::Path arrow;
+            arrow.addTriangle (left, middle - 0.5f * height, left, middle + 0.5f * height, left + 0.6f * height,
+                               middle);
+            g.fillPath (arrow);
+        }
+        const auto image = paintedRow<TypeParam> (row, area);
+
+        for (int y = 0; y < 60; ++y)
+            for (int x = 0; x < 220; ++x)
+                ASSERT_TRUE (close (expected.getPixelAt (x, y), image.getPixelAt (x, y), 2))
+                    << x << ", " << y << " of a row " << area.getHeight() << " high";
+    }
+}
+
 TYPED_TEST (MenuLook, TheArrowOfASubmenuIsATriangleAtTheRight)
 {
     TypeParam look;

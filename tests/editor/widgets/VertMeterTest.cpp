@@ -87,6 +87,15 @@ TEST_F (VertMeterNeedle, StartsAtRestAtTheBottom)
     EXPECT_TRUE (meter.isOpaque());
 }
 
+TEST (VertMeterClock, RunsFromTheMetersMakingSoThatTheFirstTickIsNoLeap)
+{
+    const auto before = juce::Time::getMillisecondCounter();
+    const VertMeter meter;
+    const auto after = juce::Time::getMillisecondCounter();
+    EXPECT_LE (meter.lastTime - before, after - before); // unsigned, so the counter's wrap is no matter
+    EXPECT_TRUE (meter.millisecondCounter == juce::Time::getMillisecondCounter);
+}
+
 TEST_F (VertMeterNeedle, RisesByTheWeightedSlope)
 {
     // 0.95 within 50 ms would be 19 a second; 3 is the most.
