@@ -195,20 +195,3 @@ TEST (ParameterNames, AreFoundAsTheyStandAlone)
         }
     }
 }
-
-TEST (TypedTextTest, ShortestDigitsBringEveryFloatBack)
-{
-    auto longest = std::size_t { 0 };
-
-    for (int i = 0; i <= 100000; ++i)
-    {
-        const auto x = static_cast<float> (i) / 99991.0f; // a prime: hardly any of them is short
-        const auto text = TypedText::shortest (x);
-        EXPECT_EQ (static_cast<float> (*TypedText::number (text)), x) << text;
-        longest = std::max (longest, text.size());
-    }
-
-    EXPECT_LE (longest, 14u); // nine digits, a point and an exponent
-    EXPECT_EQ (TypedText::shortest (0.30103f), "0.30103");
-    EXPECT_EQ (TypedText::shortest (1.0f), "1");
-}

@@ -1,7 +1,10 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 """Controls that move while the sound runs: where, in which order, written how."""
 
-from renderer_case import INPUT, RendererCase, noise, sine
+import os
+import subprocess
+
+from renderer_case import INPUT, RENDERER, RendererCase, noise, sine
 from sound_files import write_wav
 
 NUM_FRAMES = 6000
@@ -155,6 +158,32 @@ class Automation(RendererCase):
             with self.subTest(content):
                 self.path("moves.csv").write_text(content, encoding="utf-8")
                 self.refuse(INPUT, complaint, self.source, self.path("out.wav"), "--automation", self.path("moves.csv"))
+
+    def test_reads_nothing_behind_a_mistake(self):
+        # Seen by the memory: the lines of 60 MB were once all read and kept before the first of them was looked at.
+        def most_memory(num_bytes):
+            with self.path("moves.csv").open("w", encoding="ascii") as moves:
+                moves.write("a mistake\n")
+                for _ in range(num_bytes // 10000):
+                    moves.write("0,Mix,50%\n" * 1000)
+            with open(os.devnull, "w", encoding="ascii") as nowhere:
+                child = subprocess.Popen([RENDERER, self.source, self.path("out.wav"), "--automation",
+                                          self.path("moves.csv")], stderr=nowhere)
+            _, status, usage = os.wait4(child.pid, 0)
+            child.returncode = os.waitstatus_to_exitcode(status)
+            self.assertEqual(child.returncode, INPUT)
+            return usage.ru_maxrss      # kilobytes
+
+        self.assertLess(most_memory(60000000), most_memory(10000) + 20000)
+
+    def test_shortens_what_it_quotes(self):
+        for line in ("0,{},50%", "0,Mix,{}", "0,Mix,n:{}", "{},Mix,50%"):
+            with self.subTest(line):
+                self.path("moves.csv").write_text(line.format("x" * 2000000), encoding="ascii")
+                process = self.run_renderer(self.source, self.path("out.wav"), "--automation", self.path("moves.csv"))
+                self.assertEqual(process.returncode, INPUT)
+                self.assertRegex(process.err, r'line 1: .*"(n:)?x+\.\.\.x+"')
+                self.assertLess(len(process.err), 400)
 
     def test_refuses_what_is_no_file(self):
         self.refuse(INPUT, "no such file", self.source, self.path("out.wav"), "--automation", self.path("absent"))

@@ -3,7 +3,7 @@
 
 import subprocess
 
-from renderer_case import OUTPUT, RENDERER, USAGE, RendererCase, noise
+from renderer_case import INPUT, OUTPUT, RENDERER, USAGE, RendererCase, noise
 from sound_files import write_wav
 
 
@@ -66,6 +66,27 @@ class CommandLine(RendererCase):
             for value in ("nan", "inf", "-inf", "1e999", "four", "", " 4", "4 ", "4,5"):
                 with self.subTest(option=option, value=value):
                     self.refuse_words(f"{option} takes a", option, value)
+
+    def test_quotes_the_ends_of_what_is_long(self):
+        long = "begin" + "x" * 100000 + "end"
+        for words in (("--set", f"{long}=1"), ("--set", f"Mix={long}"), ("--set", long), ("--set-normalised", long),
+                      ("--set-normalised", f"Mix={long}"), ("--program", long), ("--program", "9" * 100000),
+                      ("--bits", long), ("--noise", long), ("--block", long), ("--tail", long)):
+            with self.subTest(words=[word[:30] for word in words]):
+                process = self.run_renderer(self.source, self.path("out.wav"), *words)
+                self.assertEqual(process.returncode, USAGE)
+                self.assertRegex(process.err, r'"(begin)?[x9]+\.\.\.[x9]+(end)?"')
+                self.assertLess(len(process.err), 300)
+
+    def test_keeps_every_complaint_short(self):
+        # Not only what stands in quotation marks: the name of a file, or of an option that does not exist.
+        for status, words in ((USAGE, (self.source, "out.wav", "--" + "x" * 100000)),
+                              (USAGE, (self.source, "out.wav", "x" * 100000)),
+                              (INPUT, ("x" * 100000, "out.wav")), (OUTPUT, (self.source, "x" * 100000))):
+            process = self.run_renderer(*words)
+            self.assertEqual(process.returncode, status)
+            self.assertRegex(process.err, r"\Acorvane-render: [^\n]*x\.\.\.x[^\n]*\n\Z")
+            self.assertLess(len(process.err), 1100)
 
     def test_takes_the_ends_of_every_range(self):
         for words in (("--oversampling", "16"), ("--calibration", "16"), ("--calibration", "24"), ("--block", "65536"),

@@ -26,7 +26,7 @@ float normalisedFrom (int index, const std::string& text)
     const auto x = TypedText::number (TypedText::trimmed (text.substr (2)));
 
     if (! x || ! (*x >= 0.0 && *x <= 1.0))
-        throw TextError ("a normalised value is a number from 0 to 1 behind \"n:\", not \"" + text + '"');
+        throw TextError ("a normalised value is a number from 0 to 1 behind \"n:\", not " + TypedText::quoted (text));
 
     return static_cast<float> (*x);
 }
@@ -36,20 +36,12 @@ Automation::Automation (const std::filesystem::path& file)
 {
     auto isFirst = true;
 
-    for (const auto& line : TextFile::readLines (file))
-    {
-        if (! std::exchange (isFirst, false) || ! namesTheColumns (line.text))
-        {
-            try
-            {
-                points.push_back (pointOf (line.text));
-            }
-            catch (const TextError& error)
-            {
-                TextFile::refuseLine (file, line.number, error.what());
-            }
-        }
-    }
+    TextFile::readLines (file,
+                         [&] (const TextFile::Line& line)
+                         {
+                             if (! std::exchange (isFirst, false) || ! namesTheColumns (line.text))
+                                 points.push_back (pointOf (line.text));
+                         });
 
     std::stable_sort (points.begin(), points.end(), [] (auto& a, auto& b) { return a.frame < b.frame; });
 }
@@ -65,7 +57,7 @@ Automation::Point Automation::pointOf (const std::string& line)
     const auto frame = TypedText::wholeNumber (first->first);
 
     if (! frame || *frame < 0)
-        throw TextError ("a frame is a whole number from 0 up, not \"" + first->first + '"');
+        throw TextError ("a frame is a whole number from 0 up, not " + TypedText::quoted (first->first));
 
     const auto index = ParameterText::find (second->first, ParameterText::identifiers());
     return { *frame, { index, normalisedFrom (index, second->second) } };

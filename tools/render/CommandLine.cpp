@@ -22,7 +22,8 @@ template <typename Number>
 {
     std::ostringstream message;
     message.imbue (std::locale::classic());
-    message << option << " takes a " << kind << " from " << lowest << " to " << highest << ", not \"" << text << '"';
+    message << option << " takes a " << kind << " from " << lowest << " to " << highest << ", not "
+            << TypedText::quoted (text);
     refuse (message.str());
 }
 
@@ -63,13 +64,13 @@ SampleFormat sampleFormat (const std::string& text)
     if (text == "32f")
         return SampleFormat::float32;
 
-    refuse ("--bits takes 16, 24 or 32f, not \"" + text + '"');
+    refuse ("--bits takes 16, 24 or 32f, not " + TypedText::quoted (text));
 }
 
 bool onOrOff (const std::string& option, const std::string& text)
 {
     if (text != "on" && text != "off")
-        refuse (option + " takes on or off, not \"" + text + '"');
+        refuse (option + " takes on or off, not " + TypedText::quoted (text));
 
     return text == "on";
 }
@@ -80,7 +81,7 @@ ParameterChange changeFrom (const std::string& option, const char* form, const s
     const auto sides = TypedText::splitAt ('=', text);
 
     if (! sides)
-        refuse (option + " takes " + form + ", not \"" + text + '"');
+        refuse (option + " takes " + form + ", not " + TypedText::quoted (text));
 
     try
     {

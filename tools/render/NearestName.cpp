@@ -41,6 +41,9 @@ std::string NearestName::inSmallLetters (std::string text)
 
 std::string NearestName::find (const std::string& wanted, const std::vector<std::string>& names)
 {
+    if (wanted.size() > longest)
+        return {};
+
     std::string nearest;
     auto fewest = wanted.size() / 3 + 1;
 

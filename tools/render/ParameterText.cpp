@@ -76,7 +76,8 @@ int ParameterText::find (const std::string& name, const std::vector<std::string>
 
     const auto nearest = NearestName::find (name, names);
     const auto offer = nearest.empty() ? std::string() : " did you mean \"" + nearest + "\"?";
-    throw TextError ("no parameter is called \"" + name + "\";" + offer + " --list-parameters shows them");
+    throw TextError ("no parameter is called " + TypedText::quoted (name) + ';' + offer
+                     + " --list-parameters shows them");
 }
 
 float ParameterText::toNormalised (int index, const std::string& text)
@@ -95,6 +96,6 @@ float ParameterText::toNormalised (int index, const std::string& text)
             if (*number >= form.lowest && *number <= form.highest)
                 return form.normalised (*number);
 
-    throw TextError (std::string (ParameterTable::rows[index].identifier) + " takes " + whatIsTaken (form) + ", not \""
-                     + text + '"');
+    throw TextError (std::string (ParameterTable::rows[index].identifier) + " takes " + whatIsTaken (form) + ", not "
+                     + TypedText::quoted (text));
 }

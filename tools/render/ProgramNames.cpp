@@ -4,6 +4,7 @@
 #include "parameters/FactoryPrograms.h"
 #include "render/NearestName.h"
 #include "render/RenderError.h"
+#include "render/TypedText.h"
 
 #include <sstream>
 #include <vector>
@@ -37,13 +38,13 @@ int ProgramNames::find (const std::string& numberOrName)
             return i;
 
     if (isNumber (numberOrName))
-        throw RenderError (ExitStatus::usage, "--program takes a number from 0 to " + last + ", not " + numberOrName
-                                                  + "; --list-programs shows them");
+        throw RenderError (ExitStatus::usage, "--program takes a number from 0 to " + last + ", not "
+                                                  + TypedText::quoted (numberOrName) + "; --list-programs shows them");
 
     const auto nearest = NearestName::find (numberOrName, allNames());
     const auto offer = nearest.empty() ? std::string() : " did you mean \"" + nearest + "\"?";
-    throw RenderError (ExitStatus::usage,
-                       "no program is called \"" + numberOrName + "\";" + offer + " --list-programs shows them");
+    throw RenderError (ExitStatus::usage, "no program is called " + TypedText::quoted (numberOrName) + ';' + offer
+                                              + " --list-programs shows them");
 }
 
 std::string ProgramNames::list()

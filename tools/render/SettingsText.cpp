@@ -101,8 +101,8 @@ double limitedNumber (const std::string& name, const std::string& text, const st
 
     if (! value || ! (*value >= lowest && *value <= highest))
         throw TextError (name + " takes a number from " + NumberText::fixed (lowest, 0).toStdString() + " to "
-                         + NumberText::fixed (highest, 0).toStdString() + ", such as " + example + ", not \"" + text
-                         + '"');
+                         + NumberText::fixed (highest, 0).toStdString() + ", such as " + example + ", not "
+                         + TypedText::quoted (text));
 
     return *value;
 }
@@ -113,7 +113,7 @@ int factorFrom (const std::string& text)
 
     if (! factor || *factor < 1 || *factor > UserDefaults::maxOversampling)
         throw TextError ("Oversampling takes a whole number from 1 to " + std::to_string (UserDefaults::maxOversampling)
-                         + ", not \"" + text + '"');
+                         + ", not " + TypedText::quoted (text));
 
     return static_cast<int> (*factor);
 }
@@ -200,17 +200,7 @@ void SettingsText::apply (const std::filesystem::path& file, CorvaneQ7AudioProce
     Reader reader;
     std::vector<Change> changes;
 
-    for (const auto& line : TextFile::readLines (file))
-    {
-        try
-        {
-            changes.push_back (reader.changeOf (line));
-        }
-        catch (const TextError& error)
-        {
-            TextFile::refuseLine (file, line.number, error.what());
-        }
-    }
+    TextFile::readLines (file, [&] (const TextFile::Line& line) { changes.push_back (reader.changeOf (line)); });
 
     for (const auto& change : changes)
         change (processor);

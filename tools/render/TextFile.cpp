@@ -5,7 +5,6 @@
 #include "render/TypedText.h"
 
 #include <fstream>
-#include <sstream>
 
 namespace fs = std::filesystem;
 
@@ -18,9 +17,8 @@ constexpr auto byteOrderMark = "\xef\xbb\xbf"; // some editors begin a text with
 {
     throw RenderError (ExitStatus::input, "cannot read \"" + file.string() + "\": " + reason);
 }
-} // namespace
 
-std::string TextFile::read (const fs::path& file, std::size_t most)
+std::ifstream openForReading (const fs::path& file, std::size_t most)
 {
     std::error_code error;
     const auto status = fs::status (file, error);
@@ -35,42 +33,56 @@ std::string TextFile::read (const fs::path& file, std::size_t most)
         refuse (file, "it is too long to be what it should be");
 
     std::ifstream stream (file, std::ios::binary);
-    std::ostringstream bytes;
 
-    if (stream && stream.peek() != std::ifstream::traits_type::eof())
-        bytes << stream.rdbuf();
+    if (! stream)
+        refuse (file, "it cannot be opened");
 
-    if (! bytes || (! stream && ! stream.eof()))
-        refuse (file, "it cannot be read to its end");
-
-    return bytes.str();
+    return stream;
 }
 
-std::vector<TextFile::Line> TextFile::readLines (const fs::path& file)
+void refuseBrokenStream (const fs::path& file, const std::ifstream& stream)
 {
-    auto all = read (file, longestText);
+    if (! stream.eof())
+        refuse (file, "it cannot be read to its end");
+}
+} // namespace
 
-    if (all.rfind (byteOrderMark, 0) == 0)
-        all.erase (0, std::char_traits<char>::length (byteOrderMark));
+std::string TextFile::read (const fs::path& file, std::size_t most)
+{
+    auto stream = openForReading (file, most);
+    std::string bytes (most + 1, '\0'); // one more than is taken, so that the end is met
+    stream.read (bytes.data(), static_cast<std::streamsize> (bytes.size()));
+    bytes.resize (static_cast<std::size_t> (stream.gcount()));
+    refuseBrokenStream (file, stream);
+    return bytes;
+}
 
-    std::vector<Line> lines;
-    std::istringstream stream (all);
+void TextFile::readLines (const fs::path& file, const std::function<void (const Line&)>& take)
+{
+    auto stream = openForReading (file, longestText);
     std::string text;
 
     for (int number = 1; std::getline (stream, text); ++number)
     {
+        if (number == 1 && text.rfind (byteOrderMark, 0) == 0)
+            text.erase (0, std::char_traits<char>::length (byteOrderMark));
+
         text = TypedText::trimmed (text.substr (0, text.find ('#')));
 
-        if (! text.empty())
-            lines.push_back ({ number, text });
+        if (text.empty())
+            continue;
+
+        try
+        {
+            take ({ number, text });
+        }
+        catch (const TextError& error)
+        {
+            refuse (file, "line " + std::to_string (number) + ": " + error.what());
+        }
     }
 
-    return lines;
-}
-
-void TextFile::refuseLine (const fs::path& file, int number, const std::string& reason)
-{
-    refuse (file, "line " + std::to_string (number) + ": " + reason);
+    refuseBrokenStream (file, stream);
 }
 
 void TextFile::write (const PendingFile& file, const std::string& bytes)

@@ -4,8 +4,8 @@
 #include "render/PendingFile.h"
 
 #include <filesystem>
+#include <functional>
 #include <string>
-#include <vector>
 
 /** Small files, read and written as a whole. */
 namespace TextFile
@@ -19,11 +19,11 @@ struct Line
 /** All bytes of a file. Errors: RenderError with ExitStatus::input, also for a file of more bytes than `most`. */
 std::string read (const std::filesystem::path& file, std::size_t most);
 
-/** The lines of a file that hold something. A comment goes from a number sign to the end of its line. */
-std::vector<Line> readLines (const std::filesystem::path& file);
+/** Hands on the lines of a file that hold something, one after the other: what stands behind a line that is refused is
+    not read. A comment goes from a number sign to the end of its line.
 
-/** Errors of a line: RenderError with ExitStatus::input that names file and line. */
-[[noreturn]] void refuseLine (const std::filesystem::path& file, int number, const std::string& reason);
+    Errors: RenderError with ExitStatus::input; a TextError of `take` is given the names of file and line. */
+void readLines (const std::filesystem::path& file, const std::function<void (const Line&)>& take);
 
 /** Errors: RenderError with ExitStatus::output. The file takes its name when it is committed. */
 void write (const PendingFile& file, const std::string& bytes);

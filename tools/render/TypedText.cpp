@@ -20,6 +20,31 @@ std::string TypedText::trimmed (const std::string& text)
     return first == std::string::npos ? std::string() : text.substr (first, text.find_last_not_of (blanks) - first + 1);
 }
 
+std::string TypedText::shortened (const std::string& text, std::size_t most)
+{
+    if (text.size() <= most)
+        return text;
+
+    const auto beginsCharacter = [&text] (std::size_t i)
+    { return (static_cast<unsigned char> (text[i]) & 0xc0) != 0x80; };
+
+    auto left = most / 2, right = text.size() - most / 2;
+
+    while (left > 0 && ! beginsCharacter (left))
+        --left;
+
+    while (right < text.size() && ! beginsCharacter (right))
+        ++right;
+
+    return text.substr (0, left) + "..." + text.substr (right);
+}
+
+std::string TypedText::quoted (const std::string& text)
+{
+    constexpr std::size_t most = 64;
+    return '"' + shortened (text, most) + '"';
+}
+
 std::optional<std::pair<std::string, std::string>> TypedText::splitAt (char sign, const std::string& text)
 {
     const auto at = text.find (sign);

@@ -20,6 +20,12 @@ namespace TypedText
 /** The text without blanks at its ends. */
 std::string trimmed (const std::string& text);
 
+/** The text, without its middle where it has more bytes than that; no character is cut in two. */
+std::string shortened (const std::string& text, std::size_t most);
+
+/** The text between quotation marks, as messages show it: shortened to what tells enough. */
+std::string quoted (const std::string& text);
+
 /** The two sides of the first sign, trimmed; empty when the sign is missing. */
 std::optional<std::pair<std::string, std::string>> splitAt (char sign, const std::string& text);
 

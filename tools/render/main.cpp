@@ -11,6 +11,7 @@
 #include "render/RenderJob.h"
 #include "render/Summary.h"
 #include "render/TableDump.h"
+#include "render/TypedText.h"
 
 #include <csignal>
 #include <cstdio>
@@ -36,13 +37,17 @@ void settleSignals()
 }
 
 /** One line, whatever a file's name holds. */
-void complain (std::string message)
+void complain (const std::string& message)
 {
-    for (auto& c : message)
+    constexpr std::size_t most = 1000; // two paths of usual length and what is wrong with them
+
+    auto line = TypedText::shortened (message, most);
+
+    for (auto& c : line)
         if (static_cast<unsigned char> (c) < ' ')
             c = ' ';
 
-    std::fprintf (stderr, "corvane-render: %s\n", message.c_str());
+    std::fprintf (stderr, "corvane-render: %s\n", line.c_str());
 }
 
 void print (const std::string& text)
