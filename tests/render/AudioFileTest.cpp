@@ -25,8 +25,9 @@ TEST (AudioFileWriter, KeepsToWavBelowFourGigabytes)
 {
     constexpr std::int64_t fourGigabytes = 0x100000000;
 
-    EXPECT_EQ (containerFor (SampleFormat::float32, 2, 0), SF_FORMAT_WAV);
-    EXPECT_EQ (containerFor (SampleFormat::float32, 2, fourGigabytes / 8 - 1000), SF_FORMAT_WAV);
+    // WAV with the longer description of samples, which floats want.
+    EXPECT_EQ (containerFor (SampleFormat::float32, 2, 0), SF_FORMAT_WAVEX);
+    EXPECT_EQ (containerFor (SampleFormat::float32, 2, fourGigabytes / 8 - 1000), SF_FORMAT_WAVEX);
     EXPECT_EQ (containerFor (SampleFormat::float32, 2, fourGigabytes / 8), SF_FORMAT_RF64);
     EXPECT_EQ (containerFor (SampleFormat::pcm24, 1, fourGigabytes / 3 - 4000), SF_FORMAT_WAV);
     EXPECT_EQ (containerFor (SampleFormat::pcm24, 1, fourGigabytes / 3), SF_FORMAT_RF64);
@@ -55,7 +56,7 @@ TEST (AudioFileWriter, MakesAWavOfAnUnknownLengthThatTurnsOutShort)
     SF_INFO info {};
     const SoundFileHandle handle (sf_open (target.string().c_str(), SFM_READ, &info));
     ASSERT_NE (handle, nullptr);
-    EXPECT_EQ (info.format & SF_FORMAT_TYPEMASK, SF_FORMAT_WAVEX); // RIFF with the longer description of samples
+    EXPECT_EQ (info.format & SF_FORMAT_TYPEMASK, SF_FORMAT_WAVEX);
 
     AudioFileReader reader (target);
     EXPECT_EQ (reader.numFrames(), 3);

@@ -2,10 +2,11 @@
 """What the renderer does to sound: time, length, blocks, noise, formats, settings."""
 
 import math
+import struct
 import time
 
 from renderer_case import RendererCase, decibels, noise, rms, sine
-from sound_files import write_wav
+from sound_files import wav_chunks, write_wav
 
 LATENCY = 52    # frames, at every oversampling factor above 1
 LEAN = 1e-9     # silence is not quite 0: the output transformer's offset leaves about 1e-12, and 4e-11 as it begins
@@ -130,6 +131,27 @@ class Formats(RendererCase):
                 self.assertEqual((result.rate, len(result.frames), len(result.frames[0])), (44100, 100, 2))
                 self.assertEqual(result.container, "RIFF")
         self.assertTrue(self.render(source).is_float)
+
+    def test_floats_are_described_in_full(self):
+        # What are no whole numbers owes the extension of "fmt ", whose size stands behind the 16 bytes of every file, and
+        # the number of frames in "fact". One channel is in the middle, two are left and right.
+        float_samples = struct.pack("<IHH8B", 3, 0, 16, 0x80, 0, 0, 0xAA, 0, 0x38, 0x9B, 0x71)
+        for channels, speakers in ((1, 4), (2, 3)):
+            with self.subTest(channels):
+                self.render(write_wav(self.path("in.wav"), noise(77, channels), 44100))
+                chunks = wav_chunks(self.path("out.wav").read_bytes())
+                usual = struct.pack("<HHIIHH", 0xFFFE, channels, 44100, 44100 * 4 * channels, 4 * channels, 32)
+                extension = struct.pack("<HI", 32, speakers) + float_samples
+                self.assertEqual(chunks[b"fmt "], usual + struct.pack("<H", len(extension)) + extension)
+                self.assertEqual(chunks[b"fact"], struct.pack("<I", 77))
+
+    def test_whole_numbers_want_the_short_description(self):
+        for bits in (16, 24):
+            with self.subTest(bits):
+                self.render(noise(77, 2), "--bits", bits)
+                chunks = wav_chunks(self.path("out.wav").read_bytes())
+                width = 2 * bits // 8
+                self.assertEqual(chunks[b"fmt "], struct.pack("<HHIIHH", 1, 2, 48000, 48000 * width, width, bits))
 
     def test_whole_numbers_pass_unchanged_in_bypass(self):
         for bits in (16, 24):

@@ -72,8 +72,8 @@ def write_flac(path, frames, rate=48000):
     return path
 
 
-def read_wav(path):
-    content = path.read_bytes()
+def wav_chunks(content):
+    """The chunks of a RIFF or RF64 file, by name."""
     container = content[:4].decode("ascii")
     assert container in ("RIFF", "RF64") and content[8:12] == b"WAVE", content[:12]
     chunks, at = {}, 12
@@ -81,8 +81,16 @@ def read_wav(path):
         size = struct.unpack_from("<I", content, at + 4)[0]
         chunks[content[at:at + 4]] = content[at + 8:at + 8 + size]
         at += 8 + size + size % 2
+    return chunks
 
+
+def read_wav(path):
+    content = path.read_bytes()
+    container = content[:4].decode("ascii")
+    chunks = wav_chunks(content)
     tag, channels, rate, _, _, bits = struct.unpack_from("<HHIIHH", chunks[b"fmt "])
+    if tag == 0xFFFE:       # the longer description holds the tag at the head of a number of 16 bytes
+        tag, = struct.unpack_from("<H", chunks[b"fmt "], 24)
     data = chunks[b"data"]
     if tag == 3:
         samples = struct.unpack(f"<{len(data) // 4}f", data)

@@ -16,19 +16,11 @@ import sys
 import tempfile
 import unittest
 
+from sound_files import wav_chunks
+
 RENDER = os.environ.get("CORVANE_RENDER", "build/release/tools/render/corvane-render")
 DRUMS = pathlib.Path("/usr/share/hydrogen/data/drumkits")
 SPEECH = pathlib.Path("/usr/share/sounds/alsa/Front_Center.wav")
-
-
-def wav_chunks(data):
-    """The chunks of a RIFF file, by name."""
-    chunks, at = {}, 12
-    while at + 8 <= len(data):
-        name, size = data[at:at + 4], struct.unpack_from("<I", data, at + 4)[0]
-        chunks[name] = data[at + 8:at + 8 + size]
-        at += 8 + size + size % 2
-    return chunks
 
 
 def wav_format(data):

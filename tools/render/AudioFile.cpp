@@ -86,7 +86,11 @@ int AudioFileWriter::formatFor (SampleFormat format, int numChannels, std::int64
     constexpr std::int64_t largestWav = 0xffffffffLL - 4096; // sizes of 32 bits, and room for the header
 
     const auto bytes = expectedFrames * numChannels * (bitsOf (format) / 8);
-    const auto container = expectedFrames >= 0 && bytes <= largestWav ? SF_FORMAT_WAV : SF_FORMAT_RF64;
+    const auto isShort = expectedFrames >= 0 && bytes <= largestWav;
+
+    // Samples that are no whole numbers want the longer description, which plain WAV of this library leaves out.
+    const auto wav = format == SampleFormat::float32 ? SF_FORMAT_WAVEX : SF_FORMAT_WAV;
+    const auto container = isShort ? wav : SF_FORMAT_RF64;
     const auto samples = format == SampleFormat::pcm16   ? SF_FORMAT_PCM_16
                          : format == SampleFormat::pcm24 ? SF_FORMAT_PCM_24
                                                          : SF_FORMAT_FLOAT;
