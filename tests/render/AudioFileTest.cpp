@@ -2,6 +2,7 @@
 // What no command line can show in reasonable time or at all: very long files, and files whose length nobody knows.
 #include "render/AudioFile.h"
 #include "render/RenderError.h"
+#include "support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
 
@@ -11,14 +12,6 @@ int containerFor (SampleFormat format, int channels, std::int64_t frames)
 {
     return AudioFileWriter::formatFor (format, channels, frames) & SF_FORMAT_TYPEMASK;
 }
-
-struct TemporaryFolder
-{
-    TemporaryFolder() { std::filesystem::create_directory (path); }
-    ~TemporaryFolder() { std::filesystem::remove_all (path); }
-
-    const std::filesystem::path path = std::filesystem::path (testing::TempDir()) / "corvane-audio-file-test";
-};
 } // namespace
 
 TEST (AudioFileWriter, KeepsToWavBelowFourGigabytes)

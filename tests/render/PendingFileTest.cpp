@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "render/PendingFile.h"
 #include "render/RenderError.h"
+#include "support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
 
@@ -13,9 +14,6 @@ namespace
 class PendingFileTest : public testing::Test
 {
 protected:
-    void SetUp() override { std::filesystem::create_directory (folder); }
-    void TearDown() override { std::filesystem::remove_all (folder); }
-
     static void write (const std::filesystem::path& file, const std::string& text) { std::ofstream (file) << text; }
 
     static std::string contentOf (const std::filesystem::path& file)
@@ -26,9 +24,8 @@ protected:
 
     std::ptrdiff_t numFiles() const { return std::distance (std::filesystem::directory_iterator (folder), {}); }
 
-    // A folder of its own for each test: they may run side by side.
-    const std::string testName = testing::UnitTest::GetInstance()->current_test_info()->name();
-    const std::filesystem::path folder = std::filesystem::path (testing::TempDir()) / ("corvane-" + testName);
+    const TemporaryFolder temporary;
+    const std::filesystem::path& folder = temporary.path;
     const std::filesystem::path target = folder / "target";
 };
 } // namespace

@@ -93,6 +93,15 @@ class Blocks(RendererCase):
         self.assertEqual(self.render(source, "--block", "64").data, self.render(source, "--block", "999").data)
 
 
+    def test_a_block_has_512_frames_unless_told(self):
+        # In stereo the noise is drawn channel by channel within a block: it tells one length from the next.
+        source = write_wav(self.path("in.wav"), noise(3001, 2))
+        default = self.render(source).data
+        self.assertEqual(self.render(source, "--block", "512").data, default)
+        for block in (511, 513):
+            self.assertNotEqual(self.render(source, "--block", block).data, default)
+
+
 class Noise(RendererCase):
     def test_repeats_with_its_seed(self):
         source = write_wav(self.path("in.wav"), noise(2000, 2))
