@@ -4,9 +4,10 @@
 import os
 import resource
 import signal
+import subprocess
 import time
 
-from renderer_case import INPUT, OUTPUT, USAGE, RendererCase, noise
+from renderer_case import INPUT, OUTPUT, RENDERER, USAGE, RendererCase, hear_all_signals, noise
 from sound_files import read_wav, write_aiff, write_flac, write_wav
 
 
@@ -143,20 +144,71 @@ class Writing(RendererCase):
         self.refuse(USAGE, "same file", self.source, self.out, "--meters", "./out.wav")
         self.refuse(USAGE, "same file", self.source, self.out, "--meters", self.source, "--force")
 
-    def test_an_interrupt_leaves_nothing_behind(self):
-        # At 1 frame a block and factor 16 the ten minutes of the tail take far longer than this test.
-        for number in (signal.SIGINT, signal.SIGTERM):
+
+class Signals(RendererCase):
+    """Who asks the program to end is heard in every phase, and finds nothing behind."""
+
+    def setUp(self):
+        super().setUp()
+        self.source = write_wav(self.path("in.wav"), noise(20000, 2))
+        self.out = self.path("out.wav")
+
+    def expect_end(self, process, number):
+        try:
+            _, complaint = process.communicate(timeout=60)
+        finally:
+            process.kill()
+        self.assertEqual(process.returncode, 128 + number)
+        # A closed pipe is nobody's fault: programs say nothing about it.
+        expected = r"" if number == signal.SIGPIPE else r"corvane-render: interrupted, nothing was written\n"
+        self.assertRegex(complaint, rf"\A{expected}\Z")
+
+    def test_a_signal_leaves_nothing_behind(self):
+        for number in (signal.SIGHUP, signal.SIGINT, signal.SIGQUIT, signal.SIGPIPE, signal.SIGTERM, signal.SIGXCPU):
             with self.subTest(number):
                 before = self.folder_content()
-                process = self.start(self.source, self.out, "--tail", "600", "--oversampling", "16", "--block", "1")
-                deadline = time.monotonic() + 30.0
-                while not list(self.folder.glob(".corvane-render-*")) and time.monotonic() < deadline:
-                    time.sleep(0.01)
+                process, _ = self.start_endless(self.source, self.out, "--meters", "m.csv", "--save-state", "s",
+                                                "--save-settings", "t")
                 process.send_signal(number)
-                try:
-                    _, complaint = process.communicate(timeout=30)
-                finally:
-                    process.kill()
-                self.assertEqual(process.returncode, 128 + number)
-                self.assertRegex(complaint, r"\Acorvane-render: interrupted[^\n]*\n\Z")
+                self.expect_end(process, number)
                 self.expect_folder(before)
+
+    def test_a_signal_leaves_a_file_that_would_have_been_replaced(self):
+        self.out.write_bytes(b"what was here")
+        before = self.folder_content()
+        process, _ = self.start_endless(self.source, self.out, "--force")
+        process.send_signal(signal.SIGTERM)
+        self.expect_end(process, signal.SIGTERM)
+        self.expect_folder(before)
+
+    def test_a_signal_is_heard_while_a_file_is_read(self):
+        # A program that heard it only behind these three million lines would refuse the last of them.
+        with self.path("moves.csv").open("w", encoding="ascii") as moves:
+            for _ in range(300):
+                moves.write("0,Mix,50%\n" * 10000)
+            moves.write("a mistake\n")
+        for number in (signal.SIGHUP, signal.SIGINT, signal.SIGPIPE, signal.SIGTERM):
+            with self.subTest(number):
+                process = self.start(self.source, self.out, "--automation", "moves.csv")
+                self.wait_for_part(process)
+                process.send_signal(number)
+                self.expect_end(process, number)
+                self.assertEqual(sorted(file.name for file in self.folder.iterdir()), ["in.wav", "moves.csv"])
+
+    def test_a_signal_that_is_ignored_from_the_start_stays_ignored(self):
+        # As nohup starts a program.
+        process, _ = self.start_endless(self.source, self.out,
+                                        preexec_fn=lambda: signal.signal(signal.SIGHUP, signal.SIG_IGN))
+        process.send_signal(signal.SIGHUP)
+        time.sleep(0.3)     # to end in, if it were heard
+        self.assertIsNone(process.poll())
+        process.send_signal(signal.SIGTERM)
+        self.expect_end(process, signal.SIGTERM)
+
+    def test_a_list_for_nobody_ends_in_silence(self):
+        reader, writer = os.pipe()
+        os.close(reader)
+        ended = subprocess.run([RENDERER, "--list-programs"], stdout=writer, stderr=subprocess.PIPE, text=True,
+                               check=False, preexec_fn=hear_all_signals)
+        os.close(writer)
+        self.assertEqual((ended.returncode, ended.stderr), (128 + signal.SIGPIPE, ""))

@@ -5,9 +5,11 @@ import math
 import os
 import pathlib
 import random
+import signal
 import struct
 import subprocess
 import tempfile
+import time
 import unittest
 
 from session_blocks import read_state
@@ -40,6 +42,12 @@ def rms(frames):
     return math.sqrt(math.fsum(x * x for x in samples) / len(samples))
 
 
+def hear_all_signals():
+    """Whatever the tests themselves were started to ignore, in the background or by nohup."""
+    for number in (signal.SIGHUP, signal.SIGINT, signal.SIGQUIT, signal.SIGPIPE, signal.SIGTERM, signal.SIGXCPU):
+        signal.signal(number, signal.SIG_DFL)
+
+
 class RendererCase(unittest.TestCase):
     def setUp(self):
         self.assertTrue(RENDERER, "CORVANE_RENDER must hold the path of corvane-render")
@@ -53,10 +61,15 @@ class RendererCase(unittest.TestCase):
     def path(self, name):
         return self.folder / name
 
-    def start(self, *arguments, **more):
+    def start(self, *arguments, preexec_fn=lambda: None, **more):
         environment = dict(os.environ, HOME=str(self.home))
+
+        def prepare():
+            hear_all_signals()
+            preexec_fn()
+
         return subprocess.Popen([RENDERER, *map(str, arguments)], cwd=self.folder, env=environment,
-                                stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True, **more)
+                                stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True, preexec_fn=prepare, **more)
 
     def run_renderer(self, *arguments, **more):
         process = self.start(*arguments, **more)
@@ -67,6 +80,21 @@ class RendererCase(unittest.TestCase):
             process.communicate()
             self.fail("it did not end within two minutes")
         return process
+
+    def wait_for_part(self, process):
+        """The name of the file that is being written; the program has begun and is not done."""
+        deadline = time.monotonic() + 60.0
+        while process.poll() is None and time.monotonic() < deadline:
+            for part in self.folder.glob(".corvane-render-*"):
+                return part.name
+            time.sleep(0.005)
+        process.kill()
+        self.fail(f"nothing is being written: {process.communicate()}")
+
+    def start_endless(self, *arguments, **more):
+        """A render that takes far longer than any test: at 1 frame a block and factor 16 ten minutes of tail."""
+        process = self.start(*arguments, "--tail", "600", "--oversampling", "16", "--block", "1", **more)
+        return process, self.wait_for_part(process)
 
     def succeed(self, *arguments):
         """Runs it and returns what it printed."""

@@ -59,6 +59,9 @@ PendingFile::~PendingFile()
 
 void PendingFile::commit()
 {
+    // Other files of the same render follow at once.
+    Interruption::stopListening();
+
     std::error_code error;
 
     // A second name is refused where a name exists, a renaming is not: so nothing is lost to a file that came into
@@ -79,6 +82,7 @@ void PendingFile::commit()
     if (error)
         fail (error.message());
 
+    unfinished.reset();
     temporary.clear();
 }
 
@@ -86,26 +90,32 @@ void PendingFile::createTemporary()
 {
     constexpr int attempts = 16; // against a name that is taken: one in 2^32
     std::random_device random;
+    auto reason = 0;
 
     for (int i = 0; i < attempts; ++i)
     {
         char name[40];
         std::snprintf (name, sizeof (name), ".corvane-render-%08x.part", static_cast<unsigned> (random()));
-        const auto candidate = destination.parent_path() / name;
+        temporary = destination.parent_path() / name;
 
-        errno = 0;
-        if (auto* file = std::fopen (candidate.string().c_str(), "wbx"))
+        // Told first: no signal may come between the file and the knowledge of it.
+        unfinished.emplace (temporary);
+
+        if (auto* file = std::fopen (temporary.string().c_str(), "wbx"))
         {
             std::fclose (file);
-            temporary = candidate;
             return;
         }
 
-        if (errno != EEXIST)
+        reason = errno;
+        unfinished.reset();
+        temporary.clear();
+
+        if (reason != EEXIST)
             break;
     }
 
-    fail (std::generic_category().message (errno));
+    fail (std::generic_category().message (reason));
 }
 
 void PendingFile::refuseToReplace() const { fail ("it exists already, and --force was not given"); }

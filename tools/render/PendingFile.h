@@ -1,7 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "render/Interruption.h"
+
 #include <filesystem>
+#include <optional>
 
 /** A file that comes into being all at once: it is written under another name in the same folder and renamed at the
     end. A program that fails, or is stopped, leaves the folder as it was.
@@ -37,5 +40,6 @@ private:
     [[noreturn]] void fail (const std::string& reason) const;
 
     std::filesystem::path asWritten, destination, temporary;
-    bool mayReplace;
+    std::optional<Interruption::UnfinishedFile> unfinished;
+    const bool mayReplace;
 };

@@ -23,6 +23,12 @@ bool isTerminal (std::FILE* stream) noexcept
 }
 } // namespace
 
+std::string ProgressLine::textToClear()
+{
+    constexpr int longest = 40;
+    return isTerminal (stderr) ? '\r' + std::string (longest, ' ') + '\r' : std::string();
+}
+
 ProgressLine::ProgressLine (bool wanted) : active (wanted && isTerminal (stderr)) {}
 
 void ProgressLine::show (std::int64_t done, std::int64_t inAll)
@@ -42,7 +48,7 @@ void ProgressLine::show (std::int64_t done, std::int64_t inAll)
 void ProgressLine::clear()
 {
     if (visible)
-        std::fprintf (stderr, "\r%40s\r", "");
+        std::fputs (textToClear().c_str(), stderr);
 
     visible = false;
 }

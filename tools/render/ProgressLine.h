@@ -3,6 +3,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <string>
 
 /** How far a render is, on one line of a terminal that is written over again and again; nothing when the standard
     error output is no terminal. */
@@ -11,6 +12,9 @@ class ProgressLine
 public:
     explicit ProgressLine (bool wanted);
     ~ProgressLine() { clear(); }
+
+    /** What empties the line; no text when the standard error output is no terminal. */
+    static std::string textToClear();
 
     /** Frames done and in all; -1 for all when nobody knows. */
     void show (std::int64_t done, std::int64_t inAll);

@@ -24,13 +24,5 @@ public:
     {
     }
 
-    /** The end that a signal asked for. */
-    static RenderError interrupted (int signalNumber)
-    {
-        RenderError error (ExitStatus::signalled, "interrupted, nothing was written");
-        error.status += signalNumber;
-        return error;
-    }
-
     int status;
 };

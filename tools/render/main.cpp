@@ -2,6 +2,7 @@
 // corvane-render: a sound file in, the same sound through Corvane Q7 out.
 #include "render/CommandLine.h"
 #include "render/FileConflicts.h"
+#include "render/Interruption.h"
 #include "render/ParameterDocs.h"
 #include "render/ParameterList.h"
 #include "render/ProcessorSetup.h"
@@ -20,15 +21,11 @@
 
 namespace
 {
-volatile std::sig_atomic_t signalReceived = 0;
-
-void remember (int signalNumber) { signalReceived = signalNumber; }
+constexpr auto complaintStart = "corvane-render: ";
 
 void settleSignals()
 {
-    // These end the render between two blocks, so that nothing half written stays behind.
-    for (const auto number : { SIGINT, SIGTERM })
-        std::signal (number, remember);
+    Interruption::listen (ProgressLine::textToClear() + complaintStart + "interrupted, nothing was written\n");
 
 #ifdef SIGXFSZ
     // A file that grows over the user's limit is then a write that fails, and is told like any other.
@@ -47,7 +44,7 @@ void complain (const std::string& message)
         if (static_cast<unsigned char> (c) < ' ')
             c = ' ';
 
-    std::fprintf (stderr, "corvane-render: %s\n", line.c_str());
+    std::fprintf (stderr, "%s%s\n", complaintStart, line.c_str());
 }
 
 void print (const std::string& text)
@@ -89,15 +86,7 @@ void render (const CommandLine& line)
     ProgressLine progress (! line.quiet);
     RenderJob job (line.render);
 
-    const auto result = job.run (
-        [&progress] (std::int64_t done, std::int64_t inAll)
-        {
-            if (signalReceived != 0)
-                throw RenderError::interrupted (signalReceived);
-
-            progress.show (done, inAll);
-        });
-
+    const auto result = job.run ([&progress] (auto done, auto inAll) { progress.show (done, inAll); });
     progress.clear();
 
     if (! line.quiet)
