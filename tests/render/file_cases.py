@@ -3,11 +3,14 @@
 
 import os
 import resource
+import shutil
 import signal
+import stat
 import subprocess
 import time
+import unittest
 
-from renderer_case import INPUT, OUTPUT, RENDERER, USAGE, RendererCase, hear_all_signals, noise
+from renderer_case import INPUT, OK, OUTPUT, RENDERER, USAGE, RendererCase, hear_all_signals, noise
 from sound_files import read_wav, write_aiff, write_flac, write_wav
 
 
@@ -143,6 +146,106 @@ class Writing(RendererCase):
     def test_refuses_meters_over_the_sound(self):
         self.refuse(USAGE, "same file", self.source, self.out, "--meters", "./out.wav")
         self.refuse(USAGE, "same file", self.source, self.out, "--meters", self.source, "--force")
+
+
+class Rights(RendererCase):
+    """What may be done with a file stays as it was when the file is replaced."""
+
+    def setUp(self):
+        super().setUp()
+        self.source = write_wav(self.path("in.wav"), noise(2000, 2))
+        self.out = self.path("out.wav")
+
+    def mode(self, name):
+        return stat.S_IMODE(self.path(name).stat().st_mode)
+
+    def make(self, name, mode):
+        self.path(name).unlink(missing_ok=True)
+        self.path(name).write_bytes(b"what was here")
+        self.path(name).chmod(mode)
+
+    def masked(self, mask):
+        return {"preexec_fn": lambda: os.umask(mask)}
+
+    def test_a_new_file_follows_the_mask_of_the_user(self):
+        for mask in (0o022, 0o077, 0o002):
+            with self.subTest(oct(mask)):
+                self.out.unlink(missing_ok=True)
+                self.assertEqual(self.run_renderer(self.source, self.out, **self.masked(mask)).returncode, OK)
+                self.assertEqual(self.mode("out.wav"), 0o666 & ~mask)
+                # Asked to replace what is not there.
+                self.out.unlink()
+                self.assertEqual(self.run_renderer(self.source, self.out, "--force", **self.masked(mask)).returncode, OK)
+                self.assertEqual(self.mode("out.wav"), 0o666 & ~mask)
+
+    def test_a_file_that_is_replaced_keeps_its_mode(self):
+        for mode in (0o640, 0o600, 0o664, 0o444, 0o755, 0o666):
+            for mask in (0o022, 0o077):
+                with self.subTest(mode=oct(mode), mask=oct(mask)):
+                    self.make("out.wav", mode)
+                    ended = self.run_renderer(self.source, self.out, "--force", **self.masked(mask))
+                    self.assertEqual((ended.returncode, ended.err), (OK, ""))
+                    self.assertEqual(self.mode("out.wav"), mode)
+                    self.assertEqual(len(read_wav(self.out).frames), 2000)
+
+    def test_whatever_is_written_keeps_its_mode(self):
+        names = ("out.wav", "m.csv", "s.bin", "s.txt", "curves")
+        for name in names:
+            self.make(name, 0o640)
+        self.succeed(self.source, self.out, "--meters", "m.csv", "--save-state", "s.bin", "--save-settings", "s.txt",
+                     "--force")
+        self.succeed("--dump-curves", "curves", "--force")
+        for name in names:
+            with self.subTest(name):
+                self.assertEqual(self.mode(name), 0o640)
+                self.assertNotEqual(self.path(name).read_bytes(), b"what was here")
+
+    def test_a_link_says_nothing_about_rights(self):
+        self.make("target.wav", 0o640)
+        self.out.symlink_to("target.wav")
+        self.succeed(self.source, self.out, "--force")
+        self.assertTrue(self.out.is_symlink())
+        self.assertEqual(self.mode("target.wav"), 0o640)
+
+    def test_nobody_else_reads_what_will_replace_a_private_file(self):
+        self.make("out.wav", 0o640)
+        process, part = self.start_endless(self.source, self.out, "--force")
+        try:
+            self.assertEqual(self.mode(part), 0o600)
+        finally:
+            process.kill()
+            process.communicate()
+
+    @unittest.skipUnless(hasattr(os, "getuid") and os.getuid() == 0, "only root gives files away")
+    def test_root_leaves_a_file_to_its_owner(self):
+        self.make("out.wav", 0o640)
+        os.chown(self.out, 54321, 54322)
+        self.succeed(self.source, self.out, "--force")
+        found = self.out.stat()
+        self.assertEqual((found.st_uid, found.st_gid, self.mode("out.wav")), (54321, 54322, 0o640))
+
+    @unittest.skipUnless(hasattr(os, "getuid") and os.getuid() == 0, "only root can become somebody else")
+    def test_a_group_that_cannot_be_kept_hands_no_rights_on(self):
+        renderer = self.path("renderer")
+        shutil.copy(RENDERER, renderer)
+        for folder in (self.folder.parent, self.folder):
+            folder.chmod(0o777)
+
+        def become_somebody():
+            os.setgroups([54324])
+            os.setgid(54323)
+            os.setuid(54321)
+
+        # The group that a file gets is the first; of 54324 that somebody is a member as well, of 54322 not.
+        for old_group, old_mode, group, mode in ((54322, 0o664, 54323, 0o644), (54322, 0o640, 54323, 0o600),
+                                                 (54324, 0o664, 54324, 0o664), (54323, 0o660, 54323, 0o660)):
+            with self.subTest(old_group=old_group, old_mode=oct(old_mode)):
+                self.make("out.wav", old_mode)
+                os.chown(self.out, 54320, old_group)
+                subprocess.run([renderer, self.source, self.out, "--force", "--quiet"], check=True,
+                               preexec_fn=become_somebody)
+                found = self.out.stat()
+                self.assertEqual((found.st_uid, found.st_gid, oct(self.mode("out.wav"))), (54321, group, oct(mode)))
 
 
 class Signals(RendererCase):

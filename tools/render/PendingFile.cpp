@@ -8,7 +8,33 @@
 #include <random>
 #include <system_error>
 
+#ifndef _WIN32
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#endif
+
 namespace fs = std::filesystem;
+
+namespace
+{
+#ifdef _WIN32
+bool createFile (const fs::path& path, bool)
+{
+    auto* file = ::_wfopen (path.c_str(), L"wbx");
+    return file != nullptr && std::fclose (file) == 0;
+}
+#else
+/** False, with errno, where there is such a file already, or none can be made. */
+bool createFile (const fs::path& path, bool forUsAlone)
+{
+    constexpr mode_t ours = 0600, usual = 0666; // less what the user's mask takes away
+
+    const auto file = ::open (path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, forUsAlone ? ours : usual);
+    return file >= 0 && ::close (file) == 0;
+}
+#endif
+} // namespace
 
 PendingFile::PendingFile (const fs::path& target, bool overwrite)
     : asWritten (target), destination (target), mayReplace (overwrite)
@@ -35,6 +61,8 @@ PendingFile::PendingFile (const fs::path& target, bool overwrite)
 
         if (fs::is_symlink (present))
             destination = fs::canonical (target, error);
+
+        replaces = true;
     }
 
     const auto folder = destination.parent_path();
@@ -77,6 +105,9 @@ void PendingFile::commit()
             refuseToReplace();
     }
 
+    if (mayReplace)
+        takeOverRights();
+
     fs::rename (temporary, destination, error);
 
     if (error)
@@ -101,11 +132,8 @@ void PendingFile::createTemporary()
         // Told first: no signal may come between the file and the knowledge of it.
         unfinished.emplace (temporary);
 
-        if (auto* file = std::fopen (temporary.string().c_str(), "wbx"))
-        {
-            std::fclose (file);
+        if (createFile (temporary, replaces))
             return;
-        }
 
         reason = errno;
         unfinished.reset();
@@ -117,6 +145,32 @@ void PendingFile::createTemporary()
 
     fail (std::generic_category().message (reason));
 }
+
+#ifdef _WIN32
+void PendingFile::takeOverRights() const {}
+#else
+void PendingFile::takeOverRights() const
+{
+    constexpr mode_t all = 0777, group = 0070, others = 0007;
+    struct stat old, own;
+
+    // There was none, or it is gone.
+    if (::stat (destination.c_str(), &old) != 0 || ::stat (temporary.c_str(), &own) != 0)
+        return;
+
+    const auto becomes = [this] (uid_t user, gid_t ofGroup) { return ::chown (temporary.c_str(), user, ofGroup) == 0; };
+    constexpr auto sameUser = static_cast<uid_t> (-1);
+    auto mode = old.st_mode & all;
+
+    // Only root gives a file away. A group that we do not belong to cannot be had either: what it might do, beyond what
+    // everybody may, is not for the group that comes instead.
+    if (! becomes (old.st_uid, old.st_gid) && ! becomes (sameUser, old.st_gid) && old.st_gid != own.st_gid)
+        mode = (mode & ~group) | (mode & group & ((mode & others) << 3));
+
+    // Where the file system knows no such rights, the file stays ours alone.
+    static_cast<void> (::chmod (temporary.c_str(), mode));
+}
+#endif
 
 void PendingFile::refuseToReplace() const { fail ("it exists already, and --force was not given"); }
 

@@ -11,6 +11,9 @@
 
     The other name is short and of its own, because a target's name may be as long as the file system allows.
 
+    What is replaced keeps its rights: mode, group, and owner where the system lets us. Until then nobody but us may read
+    the new file.
+
     Errors   RenderError with ExitStatus::output.
 */
 class PendingFile
@@ -37,9 +40,11 @@ public:
 private:
     void refuseToReplace() const;
     void createTemporary();
+    void takeOverRights() const;
     [[noreturn]] void fail (const std::string& reason) const;
 
     std::filesystem::path asWritten, destination, temporary;
     std::optional<Interruption::UnfinishedFile> unfinished;
     const bool mayReplace;
+    bool replaces = false;
 };
