@@ -53,10 +53,11 @@ def _check_sum(data, polynomial, width):
     return value
 
 
-def write_flac(path, frames, rate=48000):
-    """16 bits a sample, one channel, stored without compression in blocks of 1024 frames."""
+def write_flac(path, frames, rate=48000, announced=None):
+    """16 bits a sample, one channel, stored without compression in blocks of 1024 frames. announced: how many frames its
+    head tells, where it is not how many there are; 0 stands for nobody knows."""
     block_size = 1024
-    bits = rate << 44 | (1 - 1) << 41 | (16 - 1) << 36 | len(frames)
+    bits = rate << 44 | (1 - 1) << 41 | (16 - 1) << 36 | (len(frames) if announced is None else announced)
     info = struct.pack(">HH", block_size, block_size) + bytes(6) + bits.to_bytes(8, "big") + bytes(16)
     stream = b"fLaC" + bytes([0x80]) + len(info).to_bytes(3, "big") + info
 

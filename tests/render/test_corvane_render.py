@@ -8,7 +8,7 @@ The cases stand beside this file, one thought a file; `-k NAME` runs those with 
 import unittest
 
 PARTS = ("command_line_cases", "file_cases", "sound_cases", "report_cases", "parameter_cases", "state_cases",
-         "settings_cases", "automation_cases")
+         "settings_cases", "automation_cases", "progress_cases")
 
 
 def load_tests(loader, _tests, _pattern):

@@ -33,7 +33,9 @@ ProgressLine::ProgressLine (bool wanted) : active (wanted && isTerminal (stderr)
 
 void ProgressLine::show (std::int64_t done, std::int64_t inAll)
 {
-    if (! active || Clock::now() < next)
+    const auto isEnd = done == inAll;
+
+    if (! active || (Clock::now() < next && ! isEnd))
         return;
 
     next = Clock::now() + interval;

@@ -16,7 +16,8 @@ public:
     /** What empties the line; no text when the standard error output is no terminal. */
     static std::string textToClear();
 
-    /** Frames done and in all; -1 for all when nobody knows. */
+    /** Frames done and in all; -1 for all when nobody knows. Shows the beginning, the end, and what lies between now
+        and then. */
     void show (std::int64_t done, std::int64_t inAll);
 
     /** Leaves an empty line for what is written next. */

@@ -80,6 +80,9 @@ RenderResult RenderJob::run (const Progress& progress)
 
     std::srand (options.seed);
 
+    if (progress)
+        progress (0, inAll);
+
     while (const auto numFrames = readBlock())
     {
         processBlock (numFrames);

@@ -40,8 +40,8 @@ struct RenderResult
 class RenderJob
 {
 public:
-    /** Frames done and frames in all, or -1 when the input does not say how long it is. What it throws ends the
-        render. */
+    /** Frames done and frames in all, or -1 when the input does not say how long it is. Called before the first
+        block and after each. */
     using Progress = std::function<void (std::int64_t done, std::int64_t inAll)>;
 
     /** Opens the files and settles the processor. */
