@@ -91,6 +91,9 @@ TEST (EditorStress, OpensFiveHundredTimesWhileTheSoundRuns)
                 if (opening % 7 == 4)
                     running.processor->copyToOtherSlot();
 
+                // The sound runs beside every window, on a machine however busy.
+                EXPECT_TRUE (running.waitForBlocks (opening + 1));
+
                 if (opening + 1 < numOpenings) // the last goes together with its processor
                     running.close();
 
@@ -110,7 +113,6 @@ TEST (EditorStress, OpensFiveHundredTimesWhileTheSoundRuns)
         heapAtEnd = heapInUse();
     }
 
-    EXPECT_GT (blocks, 500);
     std::cout << "  blocks meanwhile: " << blocks << "; heap " << heapEarly << " bytes after 200 windows, " << heapAtEnd
               << " after 500\n";
 
@@ -136,8 +138,7 @@ TEST (EditorStress, ClosesWindowsAtAnyMoment)
                              [&] (CorvaneQ7Editor& editor, Hand&)
                              {
                                  editor.toolbar->settingsButton.triggerClick();
-                                 pumpMessages (40);
-                                 menusSeen += openMenu (editor) != nullptr ? 1 : 0;
+                                 menusSeen += pumpMessagesUntil ([&] { return openMenu (editor) != nullptr; }) ? 1 : 0;
                              },
                              [&] (CorvaneQ7Editor& editor, Hand&)
                              {
@@ -311,7 +312,7 @@ TEST (EditorStress, AWindowThatClosesLetsGoOfTheKnobItHolds)
 // ---- random hands --------------------------------------------------------------------------------
 namespace
 {
-/** Seconds of the soak: CORVANE_SOAK_SECONDS, or ten. */
+/** Seconds of the soak at least: CORVANE_SOAK_SECONDS, or ten. */
 double soakSeconds()
 {
     const auto* wanted = std::getenv ("CORVANE_SOAK_SECONDS");
@@ -451,21 +452,24 @@ TEST (EditorSoak, SurvivesRandomHandsWhileAutomationRuns)
     const auto seed = soakSeed();
     std::mt19937 random (seed);
     const auto end = std::chrono::steady_clock::now() + std::chrono::duration<double> (soakSeconds());
+    constexpr int fewestActions = 200; // however slow the machine is
     int actions = 0, windows = 0, processors = 0, menusSeen = 0, changesHeard = 0, begun = 0, ended = 0;
 
-    while (std::chrono::steady_clock::now() < end)
+    const auto goesOn = [&] { return actions < fewestActions || std::chrono::steady_clock::now() < end; };
+
+    while (goesOn())
     {
         RunningHost running (processors % 3 == 2 ? 1 : 2, random());
         ++processors;
 
-        for (auto left = 3; left > 0 && std::chrono::steady_clock::now() < end; --left)
+        for (auto left = 3; left > 0 && goesOn(); --left)
         {
             show (running.open());
             pumpMessages (30);
             RestlessUser user (running, random);
             ++windows;
 
-            for (auto more = 40 + random() % 100; more > 0 && std::chrono::steady_clock::now() < end; --more)
+            for (auto more = 40 + random() % 100; more > 0 && goesOn(); --more)
             {
                 user.act();
                 pumpMessages (static_cast<int> (random() % 12));
@@ -489,7 +493,6 @@ TEST (EditorSoak, SurvivesRandomHandsWhileAutomationRuns)
     std::cout << "  seed " << seed << ": " << actions << " actions in " << windows << " windows of " << processors
               << " processors; " << menusSeen << " with a menu open; " << changesHeard << " changes and " << begun
               << " gestures heard by the host; X errors: " << XErrors::count << '\n';
-    EXPECT_GT (actions, 20);
     EXPECT_GT (changesHeard, 0);
     EXPECT_GT (begun, 0);
     EXPECT_EQ (begun, ended);

@@ -24,3 +24,16 @@ inline void pumpMessages (int milliseconds)
             std::this_thread::sleep_for (std::chrono::microseconds (500));
     } while (Clock::now() < end);
 }
+
+/** The same until a condition holds; false if it does not within a minute. */
+template <typename Condition>
+bool pumpMessagesUntil (Condition condition)
+{
+    constexpr auto patience = std::chrono::minutes (1);
+    const auto end = std::chrono::steady_clock::now() + patience;
+
+    while (! condition() && std::chrono::steady_clock::now() < end)
+        pumpMessages (1);
+
+    return condition();
+}

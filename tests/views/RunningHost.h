@@ -85,6 +85,18 @@ public:
 
     bool soundIsFinite() const noexcept { return finite.load(); }
 
+    /** Waits until the sound has run for so many blocks since its beginning; false where it stands still. */
+    bool waitForBlocks (int wanted) const
+    {
+        constexpr auto patience = std::chrono::seconds (60);
+        const auto end = std::chrono::steady_clock::now() + patience;
+
+        while (blocks < wanted && std::chrono::steady_clock::now() < end)
+            std::this_thread::sleep_for (std::chrono::milliseconds (1));
+
+        return blocks >= wanted;
+    }
+
     std::unique_ptr<CorvaneQ7AudioProcessor> processor;
     std::unique_ptr<CorvaneQ7Editor> editor;
     std::atomic<int> blocks { 0 };
