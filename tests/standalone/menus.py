@@ -1,9 +1,10 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 """The menus of the two strips, found by their light sheet and the texts on it."""
 
+import contextlib
 import time
 
-from standalone import PATIENCE, TICK, wait_for
+from standalone import wait_for
 
 SHEET = 0xfcfcfc
 
@@ -12,8 +13,11 @@ LOWEST_TEXT = 5  # px
 PLACE_OF_MENUS = 600  # px
 HALF_TEXT = 6  # px, so that no line between rows is met
 
-# A menu takes no click in its first quarter of a second.
-CLICK_PATIENCE = 0.6  # s
+# A menu takes no click in its first quarter of a second: the first one waits for longer than that. A second click, after
+# one that was not taken all the same, must not come while a busy machine still works at the first.
+DEAF_TIME = 0.3       # s
+CLICK_PATIENCE = 5.0  # s
+CLICKS = 6
 
 
 class Menu:
@@ -23,6 +27,7 @@ class Menu:
         self.run = run
         self.before = before
         self.rows = wait_for(lambda: self.find(number_of_rows), f"a menu of {number_of_rows} rows")
+        self.seen = time.monotonic()
 
     def find(self, number_of_rows):
         """The rows' middles on the screen, if all are there."""
@@ -75,15 +80,12 @@ class Menu:
     def choose(self, row):
         """Clicks until the menu takes it."""
         self.hover(row)
-        end = time.monotonic() + PATIENCE
-        while time.monotonic() < end:
+        time.sleep(max(0.0, self.seen + DEAF_TIME - time.monotonic()))
+        for _ in range(CLICKS):
             self.run.xdotool("click", 1)
-            patience = time.monotonic() + CLICK_PATIENCE
-            while time.monotonic() < patience:
-                if not self.is_open():
-                    return
-                time.sleep(TICK)
-            self.run.nudge()
+            with contextlib.suppress(AssertionError):
+                wait_for(lambda: not self.is_open(), "the end of the menu", CLICK_PATIENCE)
+                return
         raise AssertionError("the menu stays open")
 
 

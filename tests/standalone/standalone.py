@@ -12,7 +12,7 @@ from panel_places import BANDS, BAR, HEIGHTS, LAMPS, LAMP_COLOURS, place
 
 PROGRAM = os.environ.get("CORVANE_STANDALONE", "")
 
-PATIENCE = 10.0  # s, for what takes a tenth of a second on an idle machine
+PATIENCE = 60.0  # s, for what takes a tenth of a second on an idle machine: a busy one may take its time
 TICK = 0.02      # s, between two looks
 STILLNESS = 0.4  # s
 
@@ -26,10 +26,10 @@ LEFT, WHEEL_UP, WHEEL_DOWN = 1, 4, 5
 FRAME_LINE = 1
 
 
-def wait_for(condition, what):
+def wait_for(condition, what, patience=PATIENCE):
     """Looks until the condition holds, and gives what it gave."""
     now = time.monotonic()
-    end, next_nudge = now + PATIENCE, now + STILLNESS
+    end, next_nudge = now + patience, now + STILLNESS
     while True:
         result = condition()
         if result:
