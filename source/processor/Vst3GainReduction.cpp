@@ -5,25 +5,50 @@
 
 #include <juce_audio_processors/format_types/pslextensions/ipslgainreduction.h>
 
+#include <atomic>
 #include <cstring>
+#include <mutex>
 
 class Vst3GainReduction::Report final : public Presonus::IGainReductionInfo
 {
 public:
-    explicit Report (std::function<double()> source) : reductionInDb (std::move (source)) {}
+    explicit Report (std::function<double()> reductionInDb) : source (std::move (reductionInDb)) {}
 
     Steinberg::tresult PLUGIN_API queryInterface (const Steinberg::TUID id, void** object) override
     {
         const auto known = isSame (id, Presonus::IGainReductionInfo_iid) || isSame (id, Steinberg::FUnknown_iid);
         *object = known ? this : nullptr;
+
+        if (known)
+            addRef();
+
         return known ? Steinberg::kResultOk : Steinberg::kNoInterface;
     }
 
-    // Counted by nobody: the processor owns it.
-    Steinberg::uint32 PLUGIN_API addRef() override { return 1; }
-    Steinberg::uint32 PLUGIN_API release() override { return 1; }
+    Steinberg::uint32 PLUGIN_API addRef() override { return ++references; }
 
-    double PLUGIN_API getGainReductionValueInDb() override { return reductionInDb(); }
+    Steinberg::uint32 PLUGIN_API release() override
+    {
+        const auto left = --references;
+
+        if (left == 0)
+            delete this;
+
+        return left;
+    }
+
+    double PLUGIN_API getGainReductionValueInDb() override
+    {
+        const std::lock_guard<std::mutex> lock (sourceLock);
+        return source ? source() : 0.0;
+    }
+
+    /** Behind this the function is never called again: what it reads may go. */
+    void detach()
+    {
+        const std::lock_guard<std::mutex> lock (sourceLock);
+        source = nullptr;
+    }
 
     static bool isSame (const char* a, const Steinberg::TUID b) noexcept
     {
@@ -31,21 +56,26 @@ public:
     }
 
 private:
-    const std::function<double()> reductionInDb;
+    ~Report() = default; // by the last release alone
+
+    std::mutex sourceLock; // a host may ask on one thread while the processor goes on another
+    std::function<double()> source;
+    std::atomic<Steinberg::uint32> references { 1 };
 };
 
 Vst3GainReduction::Vst3GainReduction (std::function<double()> reductionInDb)
-    : report (std::make_unique<Report> (std::move (reductionInDb)))
+    : report (new Report (std::move (reductionInDb)))
 {
 }
 
-Vst3GainReduction::~Vst3GainReduction() = default;
+Vst3GainReduction::~Vst3GainReduction()
+{
+    report->detach();
+    report->release();
+}
 
 bool Vst3GainReduction::query (const char* interfaceId, void** object)
 {
-    if (! Report::isSame (interfaceId, Presonus::IGainReductionInfo_iid))
-        return false;
-
-    *object = static_cast<Presonus::IGainReductionInfo*> (report.get());
-    return true;
+    return Report::isSame (interfaceId, Presonus::IGainReductionInfo_iid)
+           && report->queryInterface (interfaceId, object) == Steinberg::kResultOk;
 }
