@@ -4,6 +4,8 @@
 #include "views/MessagePump.h"
 #include "views/XErrors.h"
 
+#include <map>
+
 namespace
 {
 using namespace BundleHost;
@@ -62,6 +64,26 @@ TEST_P (WindowIn, HasTheFrontsFullSize)
     ASSERT_NE (window.editor, nullptr);
     EXPECT_EQ (window.editor->getWidth(), 1350); // the test's screen is large enough for 100 %
     EXPECT_EQ (window.editor->getHeight(), 723);
+}
+
+// A wrapper that computes the editor's size back from the host's, which is rounded up, lets it grow with every change.
+TEST_P (WindowIn, HasASizeThatFollowsFromZoomAndScaleAlone)
+{
+    const HostWindow window (*instance);
+    ASSERT_NE (window.editor, nullptr);
+    std::map<float, juce::Point<int>> sizes { { 1.0f, { 1350, 723 } } };
+
+    for (const auto scale : { 1.25f, 1.0f, 1.5f, 1.0f, 1.25f, 1.1f, 1.75f, 1.33f, 2.0f, 1.1f, 1.5f, 1.33f, 1.0f })
+    {
+        window.editor->setScaleFactor (scale);
+        pumpMessages (100);
+        const juce::Point<int> size { window.editor->getWidth(), window.editor->getHeight() };
+
+        // The first visit tells the size, by the rule; every other must find the same.
+        EXPECT_EQ (sizes.emplace (scale, size).first->second, size) << "scale " << scale;
+        EXPECT_NEAR (size.x, 1350.0f * scale, 1.01f) << "scale " << scale;
+        EXPECT_NEAR (size.y, 723.0f * scale, 1.01f) << "scale " << scale;
+    }
 }
 
 TEST_P (WindowIn, LeavesTheSoundAloneWhileItIsOpen)
