@@ -23,3 +23,20 @@ endif()
 if (TARGET corvane-render)
     install (TARGETS corvane-render RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}" COMPONENT renderer)
 endif()
+
+# ---- terms -----------------------------------------------------------------------------------
+# The bundles and the renderer are under the GPL as a whole, and whoever hands them on owes its full text. We keep no copy
+# of it: the system's own is put beside our notice, where there is one.
+find_file (CORVANE_GPL3_TEXT NAMES GPL-3 GPL3/license.txt GPL-3.0-or-later.txt
+           PATHS /usr/share/common-licenses /usr/share/licenses/common /usr/share/licenses/spdx NO_DEFAULT_PATH
+           DOC "Full text of the GNU General Public License, version 3, to install")
+mark_as_advanced (CORVANE_GPL3_TEXT)
+
+install (FILES LICENSE THIRD-PARTY.md DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT terms)
+
+if (CORVANE_GPL3_TEXT)
+    install (FILES "${CORVANE_GPL3_TEXT}" RENAME GPL-3 DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT terms)
+else()
+    message (STATUS "The full text of the GPL, version 3, is not on this system: packages must add it, or name it by "
+                    "CORVANE_GPL3_TEXT")
+endif()
