@@ -2,7 +2,7 @@
 # The everyday commands. All logic stands in CMake or in a script; `make demo` and `make test` are each enough on a
 # bare Debian 12 machine with `make`, since they install the packages that they need.
 
-.PHONY: help demo build test bench golden-check golden-print artwork screenshots fuzz tsan install format clean
+.PHONY: help demo build test bench golden-check golden-print artwork screenshots fuzz tsan install uninstall format clean
 
 help:
 	@echo "make demo         build, render the demo loop through three programs, say where everything lies"
@@ -16,6 +16,7 @@ help:
 	@echo "make fuzz         libFuzzer on the session reader, for a minute"
 	@echo "make tsan         the concurrency tests under the thread sanitizer"
 	@echo "make install      bundles and renderer into your own folders, or below PREFIX (and DESTDIR)"
+	@echo "make uninstall    takes them away again, and nothing else; PREFIX and DESTDIR as before"
 	@echo "make format       lay the sources out as .clang-format says"
 
 demo: build
@@ -53,8 +54,10 @@ tsan:
 	@scripts/tsan.sh
 
 install:
-	@test -d build/release || { echo "Nothing is built yet: run 'make build' first."; exit 1; }
-	@PREFIX="$(PREFIX)" DESTDIR="$(DESTDIR)" scripts/install.sh
+	@PREFIX="$(PREFIX)" DESTDIR="$(DESTDIR)" python3 scripts/install.py
+
+uninstall:
+	@PREFIX="$(PREFIX)" DESTDIR="$(DESTDIR)" python3 scripts/install.py --uninstall
 
 format:
 	@scripts/install-packages.sh format
