@@ -247,7 +247,8 @@ An automation file has lines such as "48000,Mix,50%" or "48000,Mix,n:0.5" (norma
 and on through the tail. A change glides as in the plug-in, at frame 0 too. # begins a comment, here and in a settings
 text.
 
-Exit status: 0 done, 2 the command line, 3 a file to read, 4 a file to write, 1 anything else.)";
+Exit status: 0 done, 2 the command line, 3 a file to read, 4 a file to write, 128 and its number a signal, 1 anything
+else.)";
 } // namespace
 
 CommandLine CommandLine::parse (int argc, const char* const* argv)
