@@ -85,7 +85,8 @@ class InstallCase(unittest.TestCase):
         self.build.mkdir(exist_ok=True)
         (self.build / "cmake_install.cmake").write_text("".join(
             f'file (INSTALL DESTINATION "${{CMAKE_INSTALL_PREFIX}}/{pathlib.PurePath(unit).parent}" TYPE DIRECTORY '
-            f'FILES "{self.made / unit}" USE_SOURCE_PERMISSIONS)\n' for unit in UNITS), encoding="utf-8")
+            f'FILES "{self.made / unit}" USE_SOURCE_PERMISSIONS)\n' for unit in UNITS)
+            + f'file (WRITE "{self.build}/install_manifest.txt" "what CMake writes there")\n', encoding="utf-8")
 
     def run_script(self, *words, **environment):
         return subprocess.run([sys.executable, SCRIPT, "--build", self.build, *words], capture_output=True, text=True,
