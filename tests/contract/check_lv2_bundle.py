@@ -49,31 +49,34 @@ def hertz(lowest, highest, between, names=None):
 
 
 def parameters():
-    """Identifier: name, default, and texts: a list for every step in order, or text and position of a scale."""
+    """Identifier: name, default, texts (a list for every step in order, or text and position of a scale), and some words
+    of what is said about it."""
     table = {}
     for band, gain, threshold in ("Low", 2 / 21, 1 / 3), ("Mid", 4 / 21, 2 / 3), ("High", 4 / 21, 3 / 5):
         table.update({
-            f"{band}Meter": (f"{band} Meter", 0.5, ["In", "Control", "Out"]),
-            f"{band}In": (f"{band} In", 1.0, OFF_ON),
-            f"{band}Solo": (f"{band} Solo", 0.0, OFF_ON),
-            f"{band}MidSide": (f"{band} Mid Side", 0.5, ["Mid", "Off", "Side"]),
-            f"{band}Gain": (f"{band} Gain", gain, GAIN),
-            f"{band}Ratio": (f"{band} Ratio", 0.5, ["1.5:1", "2:1", "3:1", "4:1", "6:1"]),
-            f"{band}Threshold": (f"{band} Threshold", threshold, THRESHOLD),
-            f"{band}Attack": (f"{band} Attack", 2 / 3, ["2uS", "0.5mS", "2mS", "10mS"]),
-            f"{band}Recovery": (f"{band} Recovery", 1.0, ["100mS", "400mS", "800mS", "1.5S", "Auto"])})
+            f"{band}Meter": (f"{band} Meter", 0.5, ["In", "Control", "Out"], "what the band's meter shows"),
+            f"{band}In": (f"{band} In", 1.0, OFF_ON, "Puts the band's compressor in"),
+            f"{band}Solo": (f"{band} Solo", 0.0, OFF_ON, "Mutes every band"),
+            f"{band}MidSide": (f"{band} Mid Side", 0.5, ["Mid", "Off", "Side"], "the sum of the two channels"),
+            f"{band}Gain": (f"{band} Gain", gain, GAIN, "Make-up behind the compressor"),
+            f"{band}Ratio": (f"{band} Ratio", 0.5, ["1.5:1", "2:1", "3:1", "4:1", "6:1"], "How hard the band"),
+            f"{band}Threshold": (f"{band} Threshold", threshold, THRESHOLD, "Where the band begins to turn down"),
+            f"{band}Attack": (f"{band} Attack", 2 / 3, ["2uS", "0.5mS", "2mS", "10mS"], "How fast the band turns down"),
+            f"{band}Recovery": (f"{band} Recovery", 1.0, ["100mS", "400mS", "800mS", "1.5S", "Auto"],
+                                "How fast the band comes back")})
     table.update({
-        "Mix": ("Mix", 1.0, {f"{percent}%": percent / 100 for percent in range(0, 101, 10)}),
-        "HPF": ("HPF", 0.0, hertz(20, 500, [50, 100, 200], {20: "OFF"})),
-        "MasterGain": ("Master Gain", 1 / 3, decibels(-10, 20)),
-        "LowXOver": ("Low XOverParameter", 0.30103, hertz(50, 5000, [100, 200, 500, 1000, 2000])),
-        "HighXOver": ("High XOverParameter", 0.786176, hertz(200, 12000, [500, 1000, 2000, 5000, 10000])),
-        "Nuke": ("Nuke", 0.0, OFF_ON),
-        "Niveau": ("Niveau", 1.0, OFF_ON),
-        "Link": ("Link", 0.0, OFF_ON),
-        "Bypass": ("Bypass", 0.0, ["In", "Byp"]),
-        "InLevel": ("In Level", 0.5, decibels(-10, 10)),
-        "OutLevel": ("Out Level", 0.5, decibels(-10, 10))})
+        "Mix": ("Mix", 1.0, {f"{percent}%": percent / 100 for percent in range(0, 101, 10)}, "Share of the processed"),
+        "HPF": ("HPF", 0.0, hertz(20, 500, [50, 100, 200], {20: "OFF"}), "the lows out of what the detectors listen to"),
+        "MasterGain": ("Master Gain", 1 / 3, decibels(-10, 20), "behind the transformer"),
+        "LowXOver": ("Low XOverParameter", 0.30103, hertz(50, 5000, [100, 200, 500, 1000, 2000]), "Where the low band"),
+        "HighXOver": ("High XOverParameter", 0.786176, hertz(200, 12000, [500, 1000, 2000, 5000, 10000]),
+                      "the high band begins"),
+        "Nuke": ("Nuke", 0.0, OFF_ON, "Overdrives everything"),
+        "Niveau": ("Niveau", 1.0, OFF_ON, "Tilts what the detectors listen to"),
+        "Link": ("Link", 0.0, OFF_ON, "the same control of the other two"),
+        "Bypass": ("Bypass", 0.0, ["In", "Byp"], "Fades to the input"),
+        "InLevel": ("In Level", 0.5, decibels(-10, 10), "Level into the unit"),
+        "OutLevel": ("Out Level", 0.5, decibels(-10, 10), "Level out of the unit")})
     return table
 
 
@@ -246,7 +249,7 @@ class Check:
         self.expect(graph.text(unit, UNITS + "render"), "%f", "the unit's print")
         self.expect(graph.all(unit, UNITS + "symbol"), [], "the unit's sign")
 
-    def parameter(self, graph, identifier, name, default, texts):
+    def parameter(self, graph, identifier, name, default, texts, words):
         subject = f"{URI}:{identifier}"
         self.expect(graph.text(subject, LV2 + "symbol"), identifier, f"{identifier}: symbol")
         self.expect(graph.text(subject, LV2 + "name"), name, f"{identifier}: name")
@@ -261,6 +264,14 @@ class Check:
         if isinstance(texts, list):
             properties = {LV2 + "enumeration"} | ({LV2 + "toggled"} if len(texts) == 2 else set())
         self.expect(set(graph.all(subject, LV2 + "portProperty")), properties, f"{identifier}: properties")
+
+        # What the control does, and for hosts that show no scale points, how positions read.
+        labels = list(texts)
+        few = isinstance(texts, list) and len(texts) <= 6
+        reading = f"from 0 to 1: {', '.join(labels)}" if few else f"from 0 ({labels[0]}) to 1 ({labels[-1]})"
+        comment = graph.text(subject, RDFS + "comment")
+        self.expect(words in comment, True, f"{identifier}: the comment '{comment}' says '{words}'")
+        self.expect(f" {reading}. Default: " in comment, True, f"{identifier}: the comment '{comment}' says '{reading}'")
 
         nodes = graph.all(subject, LV2 + "scalePoint")
         points = sorted((graph.number(node, RDF + "value"), graph.text(node, RDFS + "label")) for node in nodes)

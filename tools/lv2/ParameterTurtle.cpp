@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "lv2/ParameterTurtle.h"
 
+#include "parameters/ParameterTable.h"
+
 #include <algorithm>
 #include <stdexcept>
 
@@ -116,13 +118,38 @@ Turtle::Node node (const ScalePoint& point)
                { "rdf:value", Turtle::nodes ({ Turtle::decimal (point.value) }) } } };
 }
 
+/** What the positions from 0 to 1 read: all of them where they are few, otherwise the two ends. */
+std::string reading (const Parameter& parameter, const std::vector<ScalePoint>& points)
+{
+    constexpr std::size_t few = 6;
+    const auto ends = " from 0 (" + points.front().label + ") to 1 (" + points.back().label + ')';
+
+    if (! parameter.isDiscrete())
+        return "Any position" + ends;
+
+    const auto positions = "One of " + std::to_string (points.size()) + " positions, evenly spaced";
+
+    if (points.size() > few)
+        return positions + ends;
+
+    auto all = positions + " from 0 to 1: " + points.front().label;
+
+    for (std::size_t i = 1; i < points.size(); ++i)
+        all += ", " + points[i].label;
+
+    return all;
+}
+
+/** What the control does and how its positions read: some hosts show the comment and leave the scale points out. */
 std::string comment (const Parameter& parameter, const std::vector<ScalePoint>& points)
 {
-    const auto kind = parameter.isDiscrete() ? "One of " + std::to_string (points.size()) + " positions, evenly spaced"
-                                             : std::string ("Any position");
+    const auto index = ParameterTable::indexOf (parameter.paramID.toRawUTF8());
 
-    return kind + " from 0 (" + points.front().label + ") to 1 (" + points.back().label
-           + "). Default: " + pointAt (parameter, parameter.getDefaultValue()).label + ".";
+    if (index < 0)
+        fail (parameter, "stands in no row of the table of controls");
+
+    return ParameterTable::rows[index].sentence + (' ' + reading (parameter, points))
+           + ". Default: " + pointAt (parameter, parameter.getDefaultValue()).label + '.';
 }
 } // namespace
 

@@ -5,7 +5,7 @@
 
 #include <juce_audio_processors/juce_audio_processors.h>
 
-/** What hosts read about one parameter, asked from the parameter object itself.
+/** What hosts read about one parameter, asked from the parameter object itself; what it does, from the table of controls.
 
     A host exchanges a position from 0 to 1 and never a number of decibels or hertz. With a unit of dB or Hz it would
     print "0.5 dB" at half travel, with a coefficient or per cent a wrong value as well. So all parameters have one unit
