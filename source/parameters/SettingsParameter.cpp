@@ -2,7 +2,6 @@
 #include "parameters/SettingsParameter.h"
 
 #include "parameters/ParameterTable.h"
-#include "processor/CorvaneQ7AudioProcessor.h"
 
 namespace
 {

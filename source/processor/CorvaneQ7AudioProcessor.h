@@ -9,10 +9,10 @@
 #include "parameters/FactoryPrograms.h"
 #include "parameters/PluginState.h"
 #include "parameters/UserDefaults.h"
-#include "settings/ChannelSettings.h"
 #include "processor/NoiseSource.h"
 #include "processor/RmsFollower.h"
 #include "processor/Vst3GainReduction.h"
+#include "settings/ChannelSettings.h"
 
 #include <juce_audio_processors/juce_audio_processors.h>
 
@@ -29,7 +29,7 @@
              and writes of ChannelSettings by design: what would click is carried by a smoother.
     Errors   none are reported. Blocks before the first prepareToPlay, or during a rebuild, are passed on unchanged.
 */
-class CorvaneQ7AudioProcessor : public juce::AudioProcessor, public juce::VST3ClientExtensions
+class CorvaneQ7AudioProcessor : public juce::AudioProcessor, public juce::VST3ClientExtensions, public SettingsOwner
 {
 public:
     static constexpr int numBands = ChannelSettings::numBands;
@@ -89,10 +89,10 @@ public:
     void setParameter (int index, float newValue) override;
 
     /** The same, and tells the host and other listeners. */
-    void setParameterNotifyingHost (int index, float newValue);
+    void setParameterNotifyingHost (int index, float newValue) override;
 
     /** True in the hosts of an old wrapper that take linked changes and gestures of a touched control's siblings amiss. */
-    bool hostWantsSilentLink() const noexcept;
+    bool hostWantsSilentLink() const noexcept override;
 
     // ---- the road of a control change --------------------------------------------------------
     /** The record behind the audible slot. */
@@ -100,7 +100,7 @@ public:
 
     /** Pushes the active record into the engine: mix, the three bands, the crossovers. Any thread; cheap, and
         without effect when nothing changed. */
-    void applySettings();
+    void applySettings() override;
 
     /** Points all parameter objects at the active record. */
     void rebindParameters();

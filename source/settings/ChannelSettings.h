@@ -3,8 +3,7 @@
 
 #include "settings/GeometricSmoother.h"
 #include "settings/LinearSmoother.h"
-
-class CorvaneQ7AudioProcessor;
+#include "settings/SettingsOwner.h"
 
 /** The record of all control values and meter outputs: the currency between all parts of the system.
 
@@ -42,7 +41,7 @@ struct ChannelSettings
         int recovery = 4; // row 0 to 4; 4 is automatic
     };
 
-    explicit ChannelSettings (CorvaneQ7AudioProcessor& ownerToUse) noexcept : owner (ownerToUse) {}
+    explicit ChannelSettings (SettingsOwner& ownerToUse) noexcept : owner (ownerToUse) {}
     ChannelSettings (const ChannelSettings&) = default;
     ~ChannelSettings() = default;
 
@@ -58,7 +57,7 @@ struct ChannelSettings
 
     static constexpr int numBands = 3;
 
-    CorvaneQ7AudioProcessor& owner;
+    SettingsOwner& owner;
     bool linkGuard = false; // true while a linked change is forwarded
 
     Band bands[numBands]; // Low, Mid, High
