@@ -9,10 +9,8 @@
 
 namespace
 {
-/** The detector high-pass exists from here up; below, its control reads "OFF". */
-constexpr double lowestHighPassHz = 20.01;
-
-bool highPassIsIn (double hz) noexcept { return hz >= lowestHighPassHz; }
+/** The detector high-pass exists from there up; below, its control reads "OFF". */
+bool highPassIsIn (double hz) noexcept { return hz >= ChannelSettings::lowestHighPassHz; }
 } // namespace
 
 BandCompressor::BandCompressor (int index)

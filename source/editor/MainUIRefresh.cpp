@@ -58,7 +58,9 @@ void MainUI::refresh()
     mixReadout->setText (juce::String (NumberText::toInt (static_cast<float> (mixShare) * 100.0f)) + " %", silently);
 
     highPass->showValue (HPFParameter::Scale::toPosition (hpfHz));
-    highPassReadout->setText (hpfHz >= 20.01 ? juce::String (NumberText::toInt (hpfHz)) + " Hz" : juce::String ("OFF"),
+    highPassReadout->setText (hpfHz >= ChannelSettings::lowestHighPassHz
+                                  ? juce::String (NumberText::toInt (hpfHz)) + " Hz"
+                                  : juce::String ("OFF"),
                               silently);
 
     master->showValue (MasterGainParameter::toPosition (masterDb));

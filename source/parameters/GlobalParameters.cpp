@@ -17,7 +17,7 @@ int HPFParameter::getNumSteps() const { return useFiniteSteps ? 1001 : continuou
 juce::String HPFParameter::getText (float x, int) const
 {
     const auto hz = Scale::toHz (x);
-    return hz < 20.01 ? juce::String ("OFF") : Scale::text (hz);
+    return hz < ChannelSettings::lowestHighPassHz ? juce::String ("OFF") : Scale::text (hz);
 }
 
 float HPFParameter::getValueForText (const juce::String& text) const

@@ -56,6 +56,7 @@ struct ChannelSettings
     static void setDecibels (LinearSmoother& db, GeometricSmoother& linear, double value) noexcept;
 
     static constexpr int numBands = 3;
+    static constexpr double lowestHighPassHz = 20.01; // below it the detector's high-pass is off
 
     SettingsOwner& owner;
     bool linkGuard = false; // true while a linked change is forwarded
@@ -63,7 +64,7 @@ struct ChannelSettings
     Band bands[numBands]; // Low, Mid, High
 
     double mix = 1.0;    // wet share, 0 to 1
-    double hpfHz = 20.0; // detector high-pass; below 20.01 is off
+    double hpfHz = 20.0; // detector high-pass
     LinearSmoother masterGainDb { 0.0 };
     GeometricSmoother masterGainLinear { 1.0 };
     double lowXOverHz = 200.0;
