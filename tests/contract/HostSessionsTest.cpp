@@ -230,7 +230,7 @@ TEST (Vst3Parameters, KeepTheTablesIndicesAsIds)
     const auto instance = instantiate (*format);
     ASSERT_NE (instance, nullptr);
 
-    // Sessions of hosts refer to these numbers: ours are 0 to 37 in the table's order, the wrapper adds two.
+    // Sessions of hosts refer to these numbers: ours are counted from 0 in the table's order, the wrapper adds two.
     const auto& parameters = instance->getParameters();
     ASSERT_EQ (parameters.size(), ParameterTable::numParameters + 2);
 
@@ -243,8 +243,8 @@ TEST (Vst3Parameters, KeepTheTablesIndicesAsIds)
         EXPECT_EQ (parameters[i]->getName (128), ParameterTable::rows[i].name);
     }
 
-    EXPECT_EQ (parameters[38]->getName (128), "Bypass");
-    EXPECT_EQ (parameters[39]->getName (128), "Program");
+    EXPECT_EQ (parameters[ParameterTable::numParameters]->getName (128), "Bypass");
+    EXPECT_EQ (parameters[ParameterTable::numParameters + 1]->getName (128), "Program");
 }
 
 TEST (Vst3Parameters, ShowTheTextsOfTheControls)
@@ -262,7 +262,7 @@ TEST (Vst3Parameters, ShowTheTextsOfTheControls)
 
 // ---- LV2 -------------------------------------------------------------------------------------
 
-TEST (Lv2Parameters, AreThirtyEightWithTheirIdentifiers)
+TEST (Lv2Parameters, AreAllThereWithTheirIdentifiers)
 {
     const auto format = makeFormat (Format::lv2);
     const auto instance = instantiate (*format);

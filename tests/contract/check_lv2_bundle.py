@@ -234,12 +234,11 @@ class Check:
     def parameters(self, graph):
         table = parameters()
         wanted = {f"{URI}:{identifier}" for identifier in table}
-        self.expect(len(wanted), 38, "the table's parameters")
         described = [subject for subject in graph.statements if LV2 + "Parameter" in graph.all(subject, RDF + "type")]
         self.expect(set(described), wanted, "parameters")
         for verb in "writable", "readable":
             listed = graph.all(URI, PATCH + verb)
-            self.expect((set(listed), len(listed)), (wanted, 38), f"patch:{verb}")
+            self.expect((set(listed), len(listed)), (wanted, len(wanted)), f"patch:{verb}")
         for identifier, row in table.items():
             self.parameter(graph, identifier, *row)
 
@@ -303,7 +302,7 @@ class Check:
         for problem in self.problems:
             print(problem)
         if not self.problems:
-            print(f"lv2_validate: 0 errors, {restrictions} restrictions; 38 parameters, {len(PROGRAMS)} presets")
+            print(f"lv2_validate: 0 errors, {restrictions} restrictions; {len(parameters())} parameters, {len(PROGRAMS)} presets")
         return 1 if self.problems else 0
 
 

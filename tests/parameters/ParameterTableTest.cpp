@@ -142,12 +142,12 @@ TEST_P (ParameterTableRow, IsOfItsClassAndFamily)
 INSTANTIATE_TEST_SUITE_P (All, ParameterTableRow, ::testing::ValuesIn (Expected::parameters),
                           [] (const auto& row) { return std::string (row.param.identifier); });
 
-TEST (ParameterTable, HasThirtyEightControlsAndNoMore)
+TEST (ParameterTable, HasTheExpectedControlsAndNoMore)
 {
     CorvaneQ7AudioProcessor processor;
-    EXPECT_EQ (38, processor.getParameters().size());
-    EXPECT_EQ (38, processor.getNumParameters());
-    EXPECT_EQ (38, ParameterTable::numParameters);
+    EXPECT_EQ (Expected::numParameters, processor.getParameters().size());
+    EXPECT_EQ (Expected::numParameters, processor.getNumParameters());
+    EXPECT_EQ (Expected::numParameters, ParameterTable::numParameters);
     EXPECT_EQ (nullptr, processor.getBypassParameter()); // the host's own bypass stays its own
 }
 
@@ -161,7 +161,7 @@ TEST (ParameterTable, AnIndexOutsideTheListIsSafe)
 {
     CorvaneQ7AudioProcessor processor;
 
-    for (const auto index : { -1, 38, 1000, std::numeric_limits<int>::max() })
+    for (const auto index : { -1, Expected::numParameters, 1000, std::numeric_limits<int>::max() })
     {
         EXPECT_EQ (0.0f, processor.getParameter (index));
         EXPECT_EQ (juce::String(), processor.getParameterName (index));

@@ -148,7 +148,8 @@ INSTANTIATE_TEST_SUITE_P (All, Roads, ::testing::ValuesIn (roads),
 
 TEST (RoadByIndex, OutsideTheListAppliesTheRecordAlone)
 {
-    for (const auto index : { 38, 1000, -1, std::numeric_limits<int>::max(), std::numeric_limits<int>::min() })
+    for (const auto index :
+         { Expected::numParameters, 1000, -1, std::numeric_limits<int>::max(), std::numeric_limits<int>::min() })
     {
         CorvaneQ7AudioProcessor processor;
         processor.applySettings();
@@ -169,7 +170,7 @@ TEST (RoadByIndex, ToldOutsideTheListIsSafe)
     CorvaneQ7AudioProcessor processor;
     Expected::Listener listener (processor);
 
-    for (const auto index : { 38, -1, std::numeric_limits<int>::max() })
+    for (const auto index : { Expected::numParameters, -1, std::numeric_limits<int>::max() })
         processor.setParameterNotifyingHost (index, 0.75f);
 
     EXPECT_TRUE (listener.moves.empty());

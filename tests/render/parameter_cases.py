@@ -166,8 +166,8 @@ class Lists(RendererCase):
 
     def test_names_every_control_in_the_order_of_a_session(self):
         names = [control["identifier"] for control in self.controls]
-        self.assertEqual(names, list(self.attributes())[1:39])
-        self.assertEqual([control["index"] for control in self.controls], list(range(38)))
+        self.assertEqual(names, list(self.attributes())[1:-3])
+        self.assertEqual([control["index"] for control in self.controls], list(range(len(names))))
 
     def test_keys_keep_their_order(self):
         for control in self.controls:
@@ -228,7 +228,7 @@ class Documentation(RendererCase):
         self.succeed("--write-parameter-docs", self.path("page.md"))
         rows = [line.split(" | ") for line in self.path("page.md").read_text(encoding="utf-8").splitlines()
                 if line.startswith("| ") and line[2].isdigit()]
-        self.assertEqual([row[2].strip("`") for row in rows], list(self.attributes())[1:39])
+        self.assertEqual([row[2].strip("`") for row in rows], list(self.attributes())[1:-3])
         self.assertTrue(all(len(row) == 8 and len(row[3]) > 20 for row in rows))
 
     def test_a_page_that_is_there_is_replaced_only_when_asked(self):
