@@ -1,6 +1,7 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 """Files that the renderer reads, files that it refuses, and files that it must not touch."""
 
+import contextlib
 import os
 import resource
 import shutil
@@ -307,6 +308,29 @@ class Signals(RendererCase):
         self.assertIsNone(process.poll())
         process.send_signal(signal.SIGTERM)
         self.expect_end(process, signal.SIGTERM)
+
+    def test_two_signals_end_it_once(self):
+        # The first one waits to be told of, at a pipe that is full, while the second one comes.
+        reader, writer = os.pipe()
+        os.set_blocking(writer, False)
+        filling = 0
+        with contextlib.suppress(BlockingIOError):
+            while True:
+                filling += os.write(writer, b" " * 4096)
+        os.set_blocking(writer, True)
+        process, _ = self.start_endless(self.source, self.out, stderr=writer)
+        os.close(writer)
+        process.send_signal(signal.SIGTERM)
+        while list(self.folder.glob(".corvane-render-*")) and process.poll() is None:
+            time.sleep(0.005)
+        time.sleep(0.2)     # from the file's end to the pipe
+        process.send_signal(signal.SIGINT)
+        time.sleep(0.2)
+        with os.fdopen(reader, encoding="ascii") as pipe:
+            told = pipe.read()
+        process.communicate(timeout=60)
+        self.assertEqual(told[filling:], "corvane-render: interrupted, nothing was written\n")
+        self.assertEqual(process.returncode, 128 + signal.SIGTERM)
 
     def test_a_list_for_nobody_ends_in_silence(self):
         reader, writer = os.pipe()

@@ -61,7 +61,7 @@ class RendererCase(unittest.TestCase):
     def path(self, name):
         return self.folder / name
 
-    def start(self, *arguments, preexec_fn=lambda: None, **more):
+    def start(self, *arguments, preexec_fn=lambda: None, stderr=subprocess.PIPE, **more):
         environment = dict(os.environ, HOME=str(self.home))
 
         def prepare():
@@ -69,7 +69,7 @@ class RendererCase(unittest.TestCase):
             preexec_fn()
 
         return subprocess.Popen([RENDERER, *map(str, arguments)], cwd=self.folder, env=environment,
-                                stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True, preexec_fn=prepare, **more)
+                                stdout=subprocess.PIPE, stderr=stderr, text=True, preexec_fn=prepare, **more)
 
     def run_renderer(self, *arguments, **more):
         process = self.start(*arguments, **more)
