@@ -2,7 +2,7 @@
 # The everyday commands. All logic stands in CMake or in a script; `make demo` and `make test` are each enough on a
 # bare Debian 12 machine with `make`, since they install the packages that they need.
 
-.PHONY: help demo build test bench golden-check golden-print artwork screenshots fuzz tsan install uninstall format clean
+.PHONY: help demo build test bench golden-check golden-print artwork screenshots fuzz fuzz-bundles tsan install uninstall format clean
 
 help:
 	@echo "make demo         build, render the demo loop through three programs, say where everything lies"
@@ -14,6 +14,7 @@ help:
 	@echo "make artwork      every bitmap of the editor and its font, from their sources"
 	@echo "make screenshots  pictures of the editor in all its states, into build/screenshots"
 	@echo "make fuzz         libFuzzer on the session reader, for a minute"
+	@echo "make fuzz-bundles 500,000 hostile sessions through each built bundle, within limits of memory and time"
 	@echo "make tsan         the concurrency tests under the thread sanitizer"
 	@echo "make install      bundles and renderer into your own folders, or below PREFIX (and DESTDIR)"
 	@echo "make uninstall    takes them away again, and nothing else; PREFIX and DESTDIR as before"
@@ -48,6 +49,10 @@ screenshots:
 fuzz:
 	@scripts/install-packages.sh build fuzz
 	@scripts/fuzz.sh
+
+fuzz-bundles:
+	@scripts/install-packages.sh build test
+	@scripts/fuzz-bundles.sh
 
 tsan:
 	@scripts/install-packages.sh build test

@@ -12,6 +12,7 @@
 #include <juce_core/juce_core.h>
 
 #include <algorithm>
+#include <array>
 #include <cstring>
 #include <dlfcn.h>
 #include <stdexcept>
@@ -226,4 +227,66 @@ private:
     }
 
     Steinberg::IPtr<Steinberg::Vst::IConnectionPoint> fromComponent, fromController;
+};
+
+/** The instance at work: stereo, 48 kHz, in blocks of what stands in `in`. */
+class Vst3Player
+{
+public:
+    static constexpr int blockLength = 512;
+
+    explicit Vst3Player (Vst3Instance& instanceToPlay)
+        : instance (instanceToPlay), processor (Vst3Instance::query<Steinberg::Vst::IAudioProcessor> (
+                                         *instance.component, Steinberg::Vst::IAudioProcessor_iid))
+    {
+        using namespace Steinberg;
+        Vst::ProcessSetup setup { Vst::kRealtime, Vst::kSample32, blockLength, 48000.0 };
+
+        for (const auto direction : { Vst::kInput, Vst::kOutput })
+            if (instance.component->activateBus (Vst::kAudio, direction, 0, true) != kResultOk)
+                throw std::runtime_error ("the component has no stereo bus");
+
+        if (processor.get() == nullptr || processor->setupProcessing (setup) != kResultOk
+            || instance.component->setActive (true) != kResultOk)
+            throw std::runtime_error ("the component cannot play");
+
+        processor->setProcessing (true);
+    }
+
+    ~Vst3Player()
+    {
+        processor->setProcessing (false);
+        instance.component->setActive (false);
+    }
+
+    Vst3Player (const Vst3Player&) = delete;
+    Vst3Player& operator= (const Vst3Player&) = delete;
+
+    void run()
+    {
+        using namespace Steinberg;
+        float* inputs[] = { in[0].data(), in[1].data() };
+        float* outputs[] = { out[0].data(), out[1].data() };
+        Vst::AudioBusBuffers input, output;
+        input.numChannels = output.numChannels = 2;
+        input.channelBuffers32 = inputs;
+        output.channelBuffers32 = outputs;
+
+        Vst::ProcessData data;
+        data.processMode = Vst::kRealtime;
+        data.symbolicSampleSize = Vst::kSample32;
+        data.numSamples = blockLength;
+        data.numInputs = data.numOutputs = 1;
+        data.inputs = &input;
+        data.outputs = &output;
+        processor->process (data);
+    }
+
+    int latency() { return static_cast<int> (processor->getLatencySamples()); }
+
+    std::array<std::array<float, blockLength>, 2> in {}, out {};
+
+private:
+    Vst3Instance& instance;
+    const Steinberg::IPtr<Steinberg::Vst::IAudioProcessor> processor;
 };
