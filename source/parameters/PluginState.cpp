@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "parameters/PluginState.h"
 
+#include "parameters/GuardedXml.h"
 #include "parameters/NumberText.h"
 #include "parameters/ParameterTable.h"
 
@@ -11,50 +12,6 @@ constexpr juce::uint32 magic = 0x21324356;
 constexpr int headerSize = 8; // magic and length
 constexpr int smallestSize = headerSize + 1;
 constexpr int decimals = 20; // bring every float back to its last bit
-
-/** Number of bytes of the UTF-8 character that begins here, or 0 where none does. */
-int lengthOfCharacter (const char* text, int available) noexcept
-{
-    const auto lead = static_cast<unsigned char> (text[0]);
-    const auto length = lead < 0x80 ? 1 : lead < 0xc2 ? 0 : lead < 0xe0 ? 2 : lead < 0xf0 ? 3 : lead < 0xf5 ? 4 : 0;
-
-    if (length > available)
-        return 0;
-
-    for (int i = 1; i < length; ++i)
-        if ((static_cast<unsigned char> (text[i]) & 0xc0) != 0x80)
-            return 0;
-
-    return length;
-}
-
-/** The framework's XML reader is not made for hostile text: entities can expand without end, deep nesting overflows
-    its stack, long attribute lists take seconds, and what is not UTF-8 leads it past the text's end. A block of ours is
-    about 1600 characters in one element. */
-bool isHarmless (const char* text, int length) noexcept
-{
-    constexpr int longest = 64 * 1024, mostTags = 64;
-
-    if (length > longest)
-        return false;
-
-    int tags = 0;
-
-    for (int i = 0; i < length && text[i] != 0;)
-    {
-        const auto step = lengthOfCharacter (text + i, length - i);
-
-        if (step == 0 || text[i] == '&' || (text[i] == '<' && ++tags > mostTags))
-            return false;
-
-        if (text[i] == '<' && i + 1 < length && text[i + 1] == '!')
-            return false;
-
-        i += step;
-    }
-
-    return true;
-}
 
 std::unique_ptr<juce::XmlElement> parse (const void* data, int sizeInBytes)
 {
@@ -72,11 +29,7 @@ std::unique_ptr<juce::XmlElement> parse (const void* data, int sizeInBytes)
 
     const auto available = juce::jmin (length, sizeInBytes - headerSize);
 
-    if (! isHarmless (bytes + headerSize, available))
-        return nullptr;
-
-    auto element = juce::parseXML (juce::String::fromUTF8 (bytes + headerSize, available));
-    return element != nullptr && element->getTagName() == tag ? std::move (element) : nullptr;
+    return GuardedXml::parse (bytes + headerSize, available, tag);
 }
 } // namespace
 

@@ -204,6 +204,42 @@ TEST_F (HostileStates, NothingBehindABlockIsRead)
     EXPECT_TRUE (std::isfinite (record.mix));
 }
 
+TEST_F (HostileStates, AnInstructionWithinAnElementDoesNotHoldTheReader)
+{
+    expectIgnoredInTime (around ("<CQ7SETTINGS><?x?>y"));
+    expectIgnoredInTime (around ("<CQ7SETTINGS><?x?>y</CQ7SETTINGS>"));
+    expectIgnoredInTime (around ("<?xml version=\"1.0\"?><CQ7SETTINGS Mix=\"0.5\"><?x?>y</CQ7SETTINGS>"));
+    expectIgnoredInTime (around ("<CQ7SETTINGS Mix=\"0.5\"><a> <?x?> y</a></CQ7SETTINGS>"));
+    expectIgnoredInTime (StateBlocks::raw (StateBlocks::magic, 2000, "<CQ7SETTINGS><?x?>y"));
+
+    // In front of the element it is a declaration, as other writers put there.
+    restoreInTime (around ("<?xml version=\"1.0\"?><CQ7SETTINGS Mix=\"0.5\"/>"));
+    EXPECT_EQ (0.5, record.mix);
+}
+
+TEST_F (HostileStates, ALengthThatEndsWithinACharacterIsNoText)
+{
+    // The whole character is there, behind what was announced; and it is not, in memory that ends where the block does.
+    const std::string element ("<CQ7SETTINGS Mix=\"0.25\"/>");
+
+    for (const std::string character : { "\xc3\xa4", "\xe2\x82\xac", "\xf0\x9f\x8e\xb5" })
+    {
+        for (std::size_t part = 1; part < character.size(); ++part)
+        {
+            const auto length = static_cast<std::uint32_t> (element.size() + part);
+            expectIgnoredInTime (StateBlocks::raw (StateBlocks::magic, length, element + character + '\0'));
+            expectIgnoredInTime (StateBlocks::raw (StateBlocks::magic, length, element + character.substr (0, part)));
+        }
+
+        processor.setParameter (Expected::mix, 0.8f);
+        restoreInTime (around (element + character)); // up to its end it is one
+        EXPECT_EQ (0.25, record.mix);
+        processor.setParameter (Expected::mix, 0.8f);
+        processor.setCalibration (18.0);
+        processor.uiZoom = 0.75f;
+    }
+}
+
 TEST_F (HostileStates, LongNumbersAreSafe)
 {
     const std::string numbers[] = { std::string (60000, '9'),       "0." + std::string (60000, '9'),
