@@ -8,4 +8,4 @@ cd "$(dirname "$0")/.."
 cmake --preset tsan
 cmake --build --preset tsan --target corvane_tests
 TSAN_OPTIONS="suppressions=$PWD/tests/tsan-suppressions.txt halt_on_error=0 exitcode=66" \
-    build/tsan/tests/corvane_tests --gtest_filter='Threads*'
+    build/tsan/tests/corvane_tests --gtest_filter='Threads*:UserDefaultsThreads*'

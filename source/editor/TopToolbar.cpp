@@ -181,13 +181,12 @@ void TopToolbar::buttonClicked (juce::Button* button)
 // ---- the settings menu -------------------------------------------------------------------------
 juce::PopupMenu TopToolbar::settingsMenu()
 {
-    auto& stored = processor->userDefaults;
-    stored.reload(); // another instance may have saved meanwhile
+    const auto stored = UserDefaults::read();
 
     // Limited only so that what no session can hold is still a number to count with.
     const auto calibrationDbu =
         juce::jlimit (-1000, 1000, UserDefaults::calibrationDbFor (processor->activeSettings().calibrationGain));
-    const auto defaultDbu = NumberText::toInt (std::floor (stored.calibrationDb() + 0.5));
+    const auto defaultDbu = NumberText::toInt (std::floor (stored.calibrationDb + 0.5));
     juce::PopupMenu calibration;
 
     for (int i = 0; i < numLevels; ++i)
@@ -206,7 +205,7 @@ juce::PopupMenu TopToolbar::settingsMenu()
 
     for (int i = 0; i < juce::numElementsInArray (factors); ++i)
         addChoice (oversampling, firstOversamplingId + i, factorText (factors[i]), factors[i] == std::max (factor, 1),
-                   factors[i] == stored.oversampling());
+                   factors[i] == stored.oversampling);
 
     oversampling.addSeparator();
     oversampling.addItem (saveOversamplingId, "Save as default");
@@ -216,7 +215,7 @@ juce::PopupMenu TopToolbar::settingsMenu()
 
     for (int i = 0; i < juce::numElementsInArray (zoomPercents); ++i)
         addChoice (zooms, firstZoomId + i, juce::String (zoomPercents[i]) + " %", zoomPercents[i] == percentOf (zoom),
-                   zoomPercents[i] == percentOf (stored.uiZoom()));
+                   zoomPercents[i] == percentOf (stored.uiZoom));
 
     zooms.addSeparator();
     zooms.addItem (saveZoomId, "Save as default");
@@ -234,8 +233,6 @@ juce::PopupMenu TopToolbar::settingsMenu()
 
 void TopToolbar::performMenuItem (int id)
 {
-    auto& stored = processor->userDefaults;
-
     if (id == aboutId)
     {
         if (dialogListener != nullptr)
@@ -247,7 +244,7 @@ void TopToolbar::performMenuItem (int id)
     }
     else if (id == saveCalibrationId)
     {
-        stored.saveCalibrationDb (UserDefaults::calibrationDbFor (processor->activeSettings().calibrationGain));
+        UserDefaults::saveCalibrationDb (UserDefaults::calibrationDbFor (processor->activeSettings().calibrationGain));
     }
     else if (id >= firstOversamplingId && id <= lastOversamplingId)
     {
@@ -255,7 +252,7 @@ void TopToolbar::performMenuItem (int id)
     }
     else if (id == saveOversamplingId)
     {
-        stored.saveOversampling (processor->oversamplingRequested);
+        UserDefaults::saveOversampling (processor->oversamplingRequested);
     }
     else if (id >= firstZoomId && id <= lastZoomId)
     {
@@ -266,7 +263,7 @@ void TopToolbar::performMenuItem (int id)
     }
     else if (id == saveZoomId)
     {
-        stored.saveUiZoom (static_cast<double> (ZoomableUI::usableZoom (processor->uiZoom)));
+        UserDefaults::saveUiZoom (static_cast<double> (ZoomableUI::usableZoom (processor->uiZoom)));
     }
 }
 

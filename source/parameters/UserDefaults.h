@@ -1,54 +1,44 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <juce_audio_processors/juce_audio_processors.h>
 #include <juce_data_structures/juce_data_structures.h>
 
 /** The three machine-wide options and the settings file that keeps them: "Corvane Q7.settings" in the folder
-    "Corvane Plugins" of the user's application data (on Linux that is the home folder).
+    "Corvane Plugins" of the user's application data (on Linux that is the home folder), in the framework's XML form of
+    properties.
 
-    A file that is missing, unreadable or damaged reads as the defaults; reading never creates it.
+    A file that is missing, unreadable, damaged or hostile (GuardedXml) reads as the defaults; reading never creates it.
+    No copy of it stays in memory, so what one instance saves is what every other reads next.
 
-    Threads  any but audio: it reads and writes a file. The framework guards the file in memory.
+    Threads  any but audio: it reads and writes a file. One lock for all instances of a process: a restore on the host's
+             thread and a menu on the message thread never meet in it, and no saved value undoes another's.
 */
-class UserDefaults
+namespace UserDefaults
 {
-public:
-    UserDefaults();
-
-    /** Level in dBu of digital full scale, 16 to 24. Anything else that the file holds reads as 22. */
-    double calibrationDb();
-
-    /** Factor 1 to 16. Anything else that the file holds, or nothing, reads as 1. */
-    int oversampling();
-
-    /** Scale of the editor, limited to 0.7 to 1; 1 when the file holds none (a text reads as 0, so as 0.7). */
-    double uiZoom();
-
-    /** Reads the file anew: another instance may have saved in between. */
-    void reload();
-
-    /** Write a value under its key and save the file at once, keeping what other instances saved. False when the file
-        cannot be written; nothing else then happens. */
-    bool saveCalibrationDb (int calibrationDb);
-    bool saveOversampling (int factor);
-    bool saveUiZoom (double zoom);
-
-    /** Linear gain that puts a level in dBu of digital full scale at the circuit's fixed reference; 0 at -100 and
-        below. 1.1523716865 is the circuit value of a full-scale sample when full scale is set to 0 dBu. */
-    static double calibrationGainFor (double calibrationDb) noexcept;
-
-    /** The inverse, in whole dBu. */
-    static int calibrationDbFor (double calibrationGain) noexcept;
-
-    static constexpr double defaultCalibrationDb = 22.0, lowestCalibrationDb = 16.0, highestCalibrationDb = 24.0;
-    static constexpr int maxOversampling = 16;
-    static constexpr double lowestZoom = 0.7, highestZoom = 1.0;
-
-private:
-    juce::PropertiesFile& file();
-    double number (const char* key, double missing);
-    bool save (const char* key, const juce::var& value);
-
-    juce::ApplicationProperties properties;
+/** What the file holds, each value within its range. */
+struct Values
+{
+    double calibrationDb; // level in dBu of digital full scale, 16 to 24; 22 for anything else or nothing
+    int oversampling;     // factor, 1 to 16; 1 for anything else or nothing
+    double uiZoom;        // scale of the editor, limited to 0.7 to 1; 1 for nothing (a text reads as 0, so as 0.7)
 };
+
+Values read();
+
+/** Write a value under its key at once, keeping the others. False when the file cannot be written; nothing else then
+    happens. */
+bool saveCalibrationDb (int calibrationDb);
+bool saveOversampling (int factor);
+bool saveUiZoom (double zoom);
+
+/** Linear gain that puts a level in dBu of digital full scale at the circuit's fixed reference; 0 at -100 and below.
+    1.1523716865 is the circuit value of a full-scale sample when full scale is set to 0 dBu. */
+double calibrationGainFor (double calibrationDb) noexcept;
+
+/** The inverse, in whole dBu. */
+int calibrationDbFor (double calibrationGain) noexcept;
+
+constexpr double defaultCalibrationDb = 22.0, lowestCalibrationDb = 16.0, highestCalibrationDb = 24.0;
+constexpr int maxOversampling = 16;
+constexpr double lowestZoom = 0.7, highestZoom = 1.0;
+} // namespace UserDefaults

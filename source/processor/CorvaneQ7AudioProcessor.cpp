@@ -20,9 +20,10 @@ CorvaneQ7AudioProcessor::CorvaneQ7AudioProcessor()
     // Denormals are flushed on the constructing thread too, as the audio thread does around each block.
     juce::FloatVectorOperations::disableDenormalisedNumberSupport();
 
-    activeSettings().calibrationGain = UserDefaults::calibrationGainFor (userDefaults.calibrationDb());
-    oversamplingRequested = userDefaults.oversampling();
-    uiZoom = static_cast<float> (userDefaults.uiZoom());
+    const auto defaults = UserDefaults::read();
+    activeSettings().calibrationGain = UserDefaults::calibrationGainFor (defaults.calibrationDb);
+    oversamplingRequested = defaults.oversampling;
+    uiZoom = static_cast<float> (defaults.uiZoom);
     setLatencySamples (latencyOf (oversamplingRequested));
 
     for (int i = 0; i < FactoryPrograms::numPrograms; ++i)

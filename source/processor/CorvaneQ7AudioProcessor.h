@@ -152,7 +152,6 @@ public:
     juce::AudioBuffer<float> lowBuffer, midBuffer, highBuffer; // channels x factor * maxBlockSize
     juce::AudioBuffer<float> controlBuffer;                    // (channels + 5) x maxBlockSize
 
-    UserDefaults userDefaults;
     float uiZoom = 1.0f; // editor scale, usually 0.7 to 1; a session may hold any number
 
     int activeSlot = 0; // 0 is A, 1 is B

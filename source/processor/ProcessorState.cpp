@@ -44,9 +44,9 @@ void CorvaneQ7AudioProcessor::setStateInformation (const void* data, int sizeInB
 
 void CorvaneQ7AudioProcessor::restoreOptions (const PluginState::Reader& state)
 {
-    userDefaults.reload();
+    const auto defaults = UserDefaults::read();
 
-    const auto calibrationDb = state.number ("Calibration").value_or (userDefaults.calibrationDb());
+    const auto calibrationDb = state.number ("Calibration").value_or (defaults.calibrationDb);
     const auto calibrationGain = UserDefaults::calibrationGainFor (calibrationDb);
 
     // Levels are taken as they stand, but what is no number, or would carry samples out of the audio path's range (from
@@ -59,10 +59,10 @@ void CorvaneQ7AudioProcessor::restoreOptions (const PluginState::Reader& state)
         applySettings();
     }
 
-    const auto factor = state.integer ("Oversampling").value_or (userDefaults.oversampling());
+    const auto factor = state.integer ("Oversampling").value_or (defaults.oversampling);
 
     if (factor != oversamplingRequested)
         changeOversampling (factor);
 
-    uiZoom = static_cast<float> (state.number ("UIZoom").value_or (userDefaults.uiZoom()));
+    uiZoom = static_cast<float> (state.number ("UIZoom").value_or (defaults.uiZoom));
 }

@@ -358,7 +358,7 @@ TEST_F (SettingsMenu, SeesWhatAnotherInstanceStored)
 {
     EXPECT_EQ (std::vector<int> { 12 }, named (oversampling));
     CorvaneQ7AudioProcessor another;
-    another.userDefaults.saveOversampling (4);
+    UserDefaults::saveOversampling (4);
     EXPECT_EQ (std::vector<int> { 14 }, named (oversampling));
 }
 

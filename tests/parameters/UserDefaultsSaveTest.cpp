@@ -41,15 +41,15 @@ TEST_F (UserDefaultsSave, WritesEachOptionAtOnce)
     CorvaneQ7AudioProcessor processor;
     EXPECT_FALSE (std::filesystem::exists (options.file())); // reading made none
 
-    EXPECT_TRUE (processor.userDefaults.saveCalibrationDb (18));
+    EXPECT_TRUE (UserDefaults::saveCalibrationDb (18));
     EXPECT_EQ (18.0, number ("Calibration"));
     EXPECT_EQ ("none", stored ("Oversampling")); // each entry saves its own option alone
     EXPECT_EQ ("none", stored ("UIZoom"));
 
-    EXPECT_TRUE (processor.userDefaults.saveOversampling (8));
+    EXPECT_TRUE (UserDefaults::saveOversampling (8));
     EXPECT_EQ ("8", stored ("Oversampling"));
 
-    EXPECT_TRUE (processor.userDefaults.saveUiZoom (0.8));
+    EXPECT_TRUE (UserDefaults::saveUiZoom (0.8));
     EXPECT_NEAR (0.8, number ("UIZoom"), 1.0e-6); // a float of the processor holds no more
     EXPECT_EQ (18.0, number ("Calibration"));
 }
@@ -58,9 +58,9 @@ TEST_F (UserDefaultsSave, IsWhatTheNextInstanceStartsWith)
 {
     {
         CorvaneQ7AudioProcessor processor;
-        processor.userDefaults.saveCalibrationDb (17);
-        processor.userDefaults.saveOversampling (4);
-        processor.userDefaults.saveUiZoom (0.9);
+        UserDefaults::saveCalibrationDb (17);
+        UserDefaults::saveOversampling (4);
+        UserDefaults::saveUiZoom (0.9);
     }
 
     const CorvaneQ7AudioProcessor next;
@@ -77,19 +77,19 @@ TEST_F (UserDefaultsSave, EveryRowOfTheMenusComesBackAsItWas)
 
     for (int db = 16; db <= 24; ++db)
     {
-        processor.userDefaults.saveCalibrationDb (db);
-        EXPECT_EQ (db, CorvaneQ7AudioProcessor().userDefaults.calibrationDb());
+        UserDefaults::saveCalibrationDb (db);
+        EXPECT_EQ (db, UserDefaults::read().calibrationDb);
     }
 
     for (const auto factor : { 1, 2, 4, 8, 16 })
     {
-        processor.userDefaults.saveOversampling (factor);
+        UserDefaults::saveOversampling (factor);
         EXPECT_EQ (factor, CorvaneQ7AudioProcessor().oversamplingRequested);
     }
 
     for (const auto zoom : { 0.7f, 0.8f, 0.9f, 1.0f })
     {
-        processor.userDefaults.saveUiZoom (static_cast<double> (zoom));
+        UserDefaults::saveUiZoom (static_cast<double> (zoom));
         EXPECT_FLOAT_EQ (zoom, CorvaneQ7AudioProcessor().uiZoom);
     }
 }
@@ -99,9 +99,9 @@ TEST_F (UserDefaultsSave, DoesNotChangeTheInstance)
     CorvaneQ7AudioProcessor processor;
     Expected::Listener listener (processor);
     const auto calibration = processor.activeSettings().calibrationGain;
-    processor.userDefaults.saveCalibrationDb (16);
-    processor.userDefaults.saveOversampling (16);
-    processor.userDefaults.saveUiZoom (0.7);
+    UserDefaults::saveCalibrationDb (16);
+    UserDefaults::saveOversampling (16);
+    UserDefaults::saveUiZoom (0.7);
     EXPECT_EQ (calibration, processor.activeSettings().calibrationGain);
     EXPECT_EQ (1, processor.oversamplingRequested);
     EXPECT_EQ (0, processor.getLatencySamples());
@@ -122,9 +122,9 @@ TEST_F (UserDefaultsSave, ChoosingARowAloneWritesNothing)
 TEST_F (UserDefaultsSave, KeepsWhatAnotherInstanceSavedMeanwhile)
 {
     CorvaneQ7AudioProcessor first, second;
-    first.userDefaults.saveCalibrationDb (18);
-    second.userDefaults.saveOversampling (4);
-    first.userDefaults.saveUiZoom (0.8);
+    UserDefaults::saveCalibrationDb (18);
+    UserDefaults::saveOversampling (4);
+    UserDefaults::saveUiZoom (0.8);
     EXPECT_EQ (18.0, number ("Calibration"));
     EXPECT_EQ ("4", stored ("Oversampling"));
     EXPECT_NEAR (0.8, number ("UIZoom"), 1.0e-6);
@@ -133,8 +133,8 @@ TEST_F (UserDefaultsSave, KeepsWhatAnotherInstanceSavedMeanwhile)
 TEST_F (UserDefaultsSave, IsSeenByARestoreInAnotherInstance)
 {
     CorvaneQ7AudioProcessor first, second;
-    first.userDefaults.saveCalibrationDb (18);
-    first.userDefaults.saveOversampling (4);
+    UserDefaults::saveCalibrationDb (18);
+    UserDefaults::saveOversampling (4);
     StateBlocks::restore (second, StateBlocks::with ({}));
     EXPECT_DOUBLE_EQ (1.1523716865 * std::pow (10.0, 0.9), second.activeSettings().calibrationGain);
     EXPECT_EQ (4, second.oversamplingRequested);
@@ -144,7 +144,7 @@ TEST_F (UserDefaultsSave, KeepsKeysThatItDoesNotKnow)
 {
     options.write ({ { "Calibration", "20" }, { "Colour", "green" } });
     CorvaneQ7AudioProcessor processor;
-    processor.userDefaults.saveOversampling (2);
+    UserDefaults::saveOversampling (2);
     EXPECT_EQ ("green", stored ("Colour"));
     EXPECT_EQ (20.0, number ("Calibration"));
 }
@@ -154,9 +154,9 @@ TEST_F (UserDefaultsSave, WhereNothingCanBeWrittenSaysSoAndGoesOn)
     // A plain file stands where the folder has to be: no right of a user helps there.
     std::ofstream (options.folder()) << "in the way";
     CorvaneQ7AudioProcessor processor;
-    EXPECT_FALSE (processor.userDefaults.saveCalibrationDb (18));
-    EXPECT_FALSE (processor.userDefaults.saveOversampling (4));
-    EXPECT_FALSE (processor.userDefaults.saveUiZoom (0.8));
+    EXPECT_FALSE (UserDefaults::saveCalibrationDb (18));
+    EXPECT_FALSE (UserDefaults::saveOversampling (4));
+    EXPECT_FALSE (UserDefaults::saveUiZoom (0.8));
     EXPECT_DOUBLE_EQ (1.1523716865 * std::pow (10.0, 1.1), CorvaneQ7AudioProcessor().activeSettings().calibrationGain);
 }
 
@@ -173,8 +173,8 @@ TEST_F (UserDefaultsSave, IsTheSameInACountryWithADecimalComma)
     std::ostringstream proof;
     proof << 0.5;
     CorvaneQ7AudioProcessor processor;
-    processor.userDefaults.saveCalibrationDb (18);
-    processor.userDefaults.saveUiZoom (0.85);
+    UserDefaults::saveCalibrationDb (18);
+    UserDefaults::saveUiZoom (0.85);
     const auto zoom = CorvaneQ7AudioProcessor().uiZoom;
     std::locale::global (old);
 
