@@ -8,15 +8,12 @@
 #include <iterator>
 #include <vector>
 
-extern "C" int LLVMFuzzerInitialize (int* argc, char*** argv);
 extern "C" int LLVMFuzzerTestOneInput (const std::uint8_t* data, std::size_t size);
 
 int main (int argc, char** argv)
 {
     constexpr double limitSeconds = 1.0; // reading a session takes well below a hundredth of that
     int failures = 0;
-
-    LLVMFuzzerInitialize (&argc, &argv);
 
     for (int i = 1; i < argc; ++i)
     {
