@@ -194,6 +194,25 @@ TEST (BandGainComputer, PreparingComputesEverythingFromTheRate)
     }
 }
 
+TEST (BandGainComputer, AveragesTakeTheirTimeAtEveryRate)
+{
+    // Bit for bit by their formulas, also when a band is prepared again at another rate.
+    BandCompressor band (0);
+
+    for (const auto rate : { 48000.0, 192000.0, 44100.0 })
+    {
+        band.prepare (rate, 2, 64);
+        const auto T = 1.0 / rate;
+        EXPECT_EQ (1.0 - std::exp (-T / 0.4), band.meterA) << rate;
+        EXPECT_EQ (1.0 - std::exp (-0.5 * T), band.makeupA) << rate;
+    }
+
+    // And in plain numbers: 63.2 % of a step after 0.4 s, and after 2 s.
+    band.prepare (192000.0, 2, 64);
+    EXPECT_NEAR (1.0 - std::exp (-1.0), 1.0 - std::pow (1.0 - band.meterA, 0.4 * 192000.0), 1.0e-9);
+    EXPECT_NEAR (1.0 - std::exp (-1.0), 1.0 - std::pow (1.0 - band.makeupA, 2.0 * 192000.0), 1.0e-9);
+}
+
 TEST (BandGainComputer, RestGainIsNeverComputedAgain)
 {
     BandCompressor band (0);

@@ -98,6 +98,24 @@ TEST_P (ParameterText, FollowsItsFormula)
             << "x = " << x << ", seed " << seed;
 }
 
+TEST_P (ParameterText, OfASwitchTurnsAtOneHalf)
+{
+    if (expected.kind != Kind::onOff && expected.kind != Kind::bypass)
+        return;
+
+    const auto bypass = expected.kind == Kind::bypass;
+    const auto below = std::nextafter (0.5f, 0.0f);
+    EXPECT_EQ (bypass ? "Byp" : "On", controls.text (expected.index, 0.5f));
+    EXPECT_EQ (bypass ? "In" : "Off", controls.text (expected.index, below));
+
+    // The text says what a control of this value does.
+    auto* parameter = controls.processor.getParameters()[expected.index];
+    parameter->setValue (0.5f);
+    EXPECT_EQ (1.0f, parameter->getValue());
+    parameter->setValue (below);
+    EXPECT_EQ (0.0f, parameter->getValue());
+}
+
 TEST_P (ParameterText, IsNotCutToTheLengthAskedFor)
 {
     const auto* parameter = controls.processor.getParameters()[expected.index];
