@@ -3,6 +3,7 @@
 #include "dsp/AnalyticResponse.h"
 #include "dsp/PlainSolver.h"
 #include "support/Matchers.h"
+#include "support/Samples.h"
 #include "support/Signals.h"
 
 #include <gtest/gtest.h>
@@ -87,15 +88,12 @@ void setTargets (BandCompressor& band, double wet, double dry, double midSide = 
 /** In place, in blocks of the given lengths over and over. */
 Buffer run (BandCompressor& band, Buffer buffer, const std::vector<int>& lengths)
 {
-    std::size_t next = 0;
-
-    for (int done = 0; done < buffer.getNumSamples();)
-    {
-        const auto n = std::min (lengths[next++ % lengths.size()], buffer.getNumSamples() - done);
-        Buffer piece (buffer.getArrayOfWritePointers(), buffer.getNumChannels(), done, n);
-        band.process (piece.getArrayOfWritePointers(), n);
-        done += n;
-    }
+    Samples::inBlocks (buffer.getNumSamples(), lengths,
+                       [&] (int done, int n)
+                       {
+                           Buffer piece (buffer.getArrayOfWritePointers(), buffer.getNumChannels(), done, n);
+                           band.process (piece.getArrayOfWritePointers(), n);
+                       });
 
     return buffer;
 }

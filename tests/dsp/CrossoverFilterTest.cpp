@@ -2,6 +2,7 @@
 #include "dsp/CrossoverFilter.h"
 #include "dsp/AnalyticResponse.h"
 #include "support/Matchers.h"
+#include "support/Samples.h"
 #include "support/Signals.h"
 
 #include <gtest/gtest.h>
@@ -44,35 +45,31 @@ struct Splitter
     Bands split (const juce::AudioBuffer<float>& input, const std::vector<int>& lengths)
     {
         Bands bands { input, input, input };
-        std::size_t next = 0;
+        Samples::inBlocks (input.getNumSamples(), lengths,
+                           [&] (int done, int n)
+                           {
+                               const auto channels = input.getNumChannels();
+                               juce::AudioBuffer<float> low (bands.low.getArrayOfWritePointers(), channels, done, n);
+                               juce::AudioBuffer<float> mid (bands.mid.getArrayOfWritePointers(), channels, done, n);
+                               juce::AudioBuffer<float> high (bands.high.getArrayOfWritePointers(), channels, done, n);
 
-        for (int done = 0; done < input.getNumSamples();)
-        {
-            const auto n = std::min (lengths[next++ % lengths.size()], input.getNumSamples() - done);
-            const auto channels = input.getNumChannels();
-            juce::AudioBuffer<float> low (bands.low.getArrayOfWritePointers(), channels, done, n);
-            juce::AudioBuffer<float> mid (bands.mid.getArrayOfWritePointers(), channels, done, n);
-            juce::AudioBuffer<float> high (bands.high.getArrayOfWritePointers(), channels, done, n);
+                               lowSplit.process (low.getArrayOfWritePointers(), n);
 
-            lowSplit.process (low.getArrayOfWritePointers(), n);
+                               for (int c = 0; c < channels; ++c)
+                               {
+                                   for (int i = 0; i < n; ++i)
+                                   {
+                                       high.setSample (c, i, input.getSample (c, done + i) - low.getSample (c, i));
+                                       mid.setSample (c, i, high.getSample (c, i));
+                                   }
+                               }
 
-            for (int c = 0; c < channels; ++c)
-            {
-                for (int i = 0; i < n; ++i)
-                {
-                    high.setSample (c, i, input.getSample (c, done + i) - low.getSample (c, i));
-                    mid.setSample (c, i, high.getSample (c, i));
-                }
-            }
+                               highSplit.process (high.getArrayOfWritePointers(), n);
 
-            highSplit.process (high.getArrayOfWritePointers(), n);
-
-            for (int c = 0; c < channels; ++c)
-                for (int i = 0; i < n; ++i)
-                    mid.setSample (c, i, mid.getSample (c, i) - high.getSample (c, i));
-
-            done += n;
-        }
+                               for (int c = 0; c < channels; ++c)
+                                   for (int i = 0; i < n; ++i)
+                                       mid.setSample (c, i, mid.getSample (c, i) - high.getSample (c, i));
+                           });
 
         return bands;
     }
@@ -150,6 +147,34 @@ TEST (CrossoverFilter, UnknownTypePassesTheSignal)
         auto output = input;
         filter.process (output.getArrayOfWritePointers(), 256);
         EXPECT_TRUE (sameBits (input, output)) << type;
+    }
+}
+
+TEST (CrossoverFilter, AResponseChangesTheTypeToo)
+{
+    const auto input = Signals::whiteNoise (1, 256, 0xa3);
+    const auto run = [&] (CrossoverFilter& filter)
+    {
+        auto output = input;
+        filter.process (output.getArrayOfWritePointers(), 256);
+        return output;
+    };
+
+    for (const auto type : { 0, 1, 2 })
+    {
+        CrossoverFilter made (type), turned (type == 0 ? 1 : 0), running (type == 0 ? 1 : 0);
+        made.setResponse (700.0, 1.0, 1.0, type);
+        turned.setResponse (700.0, 1.0, 1.0, type);
+        EXPECT_EQ (type, turned.type);
+        made.prepare (48000.0, 1, 256);
+        turned.prepare (48000.0, 1, 256);
+        running.prepare (48000.0, 1, 256);
+        running.setResponse (700.0, 1.0, 1.0, type);
+
+        EXPECT_TRUE (sameBits (run (made), run (turned))) << type;
+
+        for (std::size_t i = 0; i < made.smoothers.size(); ++i)
+            EXPECT_EQ (made.smoothers[i].target, running.smoothers[i].target) << type << ", " << i;
     }
 }
 

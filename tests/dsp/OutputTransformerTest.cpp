@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "dsp/OutputTransformer.h"
 #include "support/Matchers.h"
+#include "support/Samples.h"
 #include "support/Signals.h"
 
 #include <gtest/gtest.h>
@@ -43,9 +44,8 @@ struct Unit
 
     juce::AudioBuffer<float> run (juce::AudioBuffer<float> buffer, int blockLength)
     {
-        for (int done = 0; done < buffer.getNumSamples(); done += blockLength)
-            transformer.process (buffer.getWritePointer (0, done),
-                                 std::min (blockLength, buffer.getNumSamples() - done), state);
+        Samples::inBlocks (buffer.getNumSamples(), { blockLength },
+                           [&] (int done, int n) { transformer.process (buffer.getWritePointer (0, done), n, state); });
 
         return buffer;
     }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "dsp/OversamplerChannel.h"
 #include "dsp/AnalyticResponse.h"
+#include "support/Samples.h"
 #include "support/Signals.h"
 
 #include <gtest/gtest.h>
@@ -329,12 +330,12 @@ TEST_P (OversamplerAtFactor, BlockLengthChangesNoBit)
         pieces.design (factor);
         Vector high (whole.size()), low (x.size());
 
-        for (int done = 0; done < 700; done += length)
-        {
-            const auto n = std::min (length, 700 - done);
-            pieces.up (x.data() + done, high.data() + done * factor, n);
-            pieces.down (high.data() + done * factor, low.data() + done, n);
-        }
+        Samples::inBlocks (700, { length },
+                           [&] (int done, int n)
+                           {
+                               pieces.up (x.data() + done, high.data() + done * factor, n);
+                               pieces.down (high.data() + done * factor, low.data() + done, n);
+                           });
 
         EXPECT_TRUE (sameBits (high, whole)) << length;
         EXPECT_TRUE (sameBits (low, wholeDown)) << length;

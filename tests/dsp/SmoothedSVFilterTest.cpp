@@ -2,6 +2,7 @@
 #include "dsp/SmoothedSVFilter.h"
 #include "dsp/AnalyticResponse.h"
 #include "support/Matchers.h"
+#include "support/Samples.h"
 #include "support/Signals.h"
 
 #include <gtest/gtest.h>
@@ -113,12 +114,13 @@ Values mixed (const Values& from, const Values& to, double share)
 /** In place, in blocks of the given length. */
 void runInBlocks (SmoothedSVFilter& filter, juce::AudioBuffer<float>& buffer, int blockLength)
 {
-    for (int done = 0; done < buffer.getNumSamples(); done += blockLength)
-    {
-        const auto n = std::min (blockLength, buffer.getNumSamples() - done);
-        juce::AudioBuffer<float> piece (buffer.getArrayOfWritePointers(), buffer.getNumChannels(), done, n);
-        filter.process (piece.getArrayOfWritePointers(), n);
-    }
+    Samples::inBlocks (buffer.getNumSamples(), { blockLength },
+                       [&] (int done, int n)
+                       {
+                           juce::AudioBuffer<float> piece (buffer.getArrayOfWritePointers(), buffer.getNumChannels(),
+                                                           done, n);
+                           filter.process (piece.getArrayOfWritePointers(), n);
+                       });
 }
 
 class SmoothedSVFilterOfType : public ::testing::TestWithParam<int>

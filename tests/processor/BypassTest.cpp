@@ -70,13 +70,12 @@ TEST_P (HostBypass, MovesTheSamplesBitForBitInBlocksOfAnyLength)
     const auto input = Signals::whiteNoise (2, n, 0xb1, 5.0f);
     auto output = input;
 
-    for (int done = 0, next = 0; done < n; ++next)
-    {
-        const auto length = std::min (next % 3 == 0 ? 1 : next % 3 == 1 ? 64 : 200, n - done); // 200 is not announced
-        juce::AudioBuffer<float> piece (output.getArrayOfWritePointers(), 2, done, length);
-        bypassBlock (harness, piece);
-        done += length;
-    }
+    Samples::inBlocks (n, { 1, 64, 200 }, // the last is longer than announced
+                       [&] (int done, int length)
+                       {
+                           juce::AudioBuffer<float> piece (output.getArrayOfWritePointers(), 2, done, length);
+                           bypassBlock (harness, piece);
+                       });
 
     for (int c = 0; c < 2; ++c)
         for (int i = 0; i < n; ++i)

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "processor/CorvaneQ7AudioProcessor.h"
+#include "support/Samples.h"
 
 #include <functional>
 #include <memory>
@@ -37,15 +38,14 @@ struct ProcessorHarness
     juce::AudioBuffer<float> run (const juce::AudioBuffer<float>& input, const std::vector<int>& lengths)
     {
         juce::AudioBuffer<float> output (input);
-        std::size_t next = 0;
 
-        for (int done = 0; done < output.getNumSamples();)
-        {
-            const auto n = std::min (lengths[next++ % lengths.size()], output.getNumSamples() - done);
-            juce::AudioBuffer<float> piece (output.getArrayOfWritePointers(), output.getNumChannels(), done, n);
-            block (piece);
-            done += n;
-        }
+        Samples::inBlocks (output.getNumSamples(), lengths,
+                           [&] (int done, int n)
+                           {
+                               juce::AudioBuffer<float> piece (output.getArrayOfWritePointers(),
+                                                               output.getNumChannels(), done, n);
+                               block (piece);
+                           });
 
         return output;
     }

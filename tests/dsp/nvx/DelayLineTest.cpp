@@ -1,27 +1,16 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "dsp/nvx/DelayLine.h"
 
+#include "support/Samples.h"
+
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <cstdint>
-#include <random>
 #include <tuple>
 #include <vector>
 
 namespace
 {
-
-std::vector<float> whiteNoise (int length, std::uint32_t seed)
-{
-    std::mt19937 generator (seed);
-    std::vector<float> noise (static_cast<std::size_t> (length));
-
-    for (auto& sample : noise)
-        sample = static_cast<float> (static_cast<double> (generator()) / 2147483648.0 - 1.0);
-
-    return noise;
-}
+using Samples::whiteNoise;
 
 // What a delay is: that many zeros, then the signal.
 std::vector<float> delayed (const std::vector<float>& signal, int delay)
@@ -34,15 +23,8 @@ std::vector<float> delayed (const std::vector<float>& signal, int delay)
 
 std::vector<float> inBlocks (NVX::DelayLine& line, std::vector<float> samples, const std::vector<int>& lengths)
 {
-    const int total = static_cast<int> (samples.size());
-
-    for (int done = 0, i = 0; done < total; ++i)
-    {
-        const int length = std::min (lengths[static_cast<std::size_t> (i) % lengths.size()], total - done);
-        line.process (samples.data() + done, length, 0);
-        done += length;
-    }
-
+    Samples::inBlocks (static_cast<int> (samples.size()), lengths,
+                       [&] (int done, int length) { line.process (samples.data() + done, length, 0); });
     return samples;
 }
 

@@ -55,7 +55,7 @@ TEST (Effect, ProcessAllTakesTheChannelsInOrder)
     float* channels[] = { a, b, c, beyond };
     effect.processAll (channels, 4);
 
-    EXPECT_EQ (effect.calls, (std::vector<Call>{ { a, 4, 0 }, { b, 4, 1 }, { c, 4, 2 } }));
+    EXPECT_EQ (effect.calls, (std::vector<Call> { { a, 4, 0 }, { b, 4, 1 }, { c, 4, 2 } }));
 }
 
 TEST (Effect, ProcessAllOfNoChannelsProcessesNothing)

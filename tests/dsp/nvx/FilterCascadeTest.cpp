@@ -5,27 +5,17 @@
 #include "dsp/nvx/OnePoleFilter.h"
 #include "dsp/nvx/SVFilter.h"
 
+#include "support/Samples.h"
+
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <cstdint>
 #include <limits>
-#include <random>
 #include <vector>
 
 namespace
 {
-
-std::vector<float> whiteNoise (int length, std::uint32_t seed)
-{
-    std::mt19937 generator (seed);
-    std::vector<float> noise (static_cast<std::size_t> (length));
-
-    for (auto& sample : noise)
-        sample = static_cast<float> (static_cast<double> (generator()) / 2147483648.0 - 1.0);
-
-    return noise;
-}
+using Samples::whiteNoise;
 
 constexpr int numNoise = 4096;
 
@@ -153,8 +143,8 @@ TEST (FilterCascade, KeepsTheOrderOfInsertionWithinEachList)
     cascade.addFilter (8, 5000.0, 0.7, 2.0);
     cascade.addFilter (0, 30.0, 0.7, 1.0);
     cascade.addFilter (7, 50.0, 0.7, 2.0);
-    EXPECT_EQ (typesOf (cascade.doubleFilters), (std::vector<int>{ 16, 8, 7 }));
-    EXPECT_EQ (typesOf (cascade.biquads), (std::vector<int>{ 6, 0 }));
+    EXPECT_EQ (typesOf (cascade.doubleFilters), (std::vector<int> { 16, 8, 7 }));
+    EXPECT_EQ (typesOf (cascade.biquads), (std::vector<int> { 6, 0 }));
 
     cascade.setSampleRate (1, 48000.0);
     auto samples = noise;
@@ -266,8 +256,8 @@ TEST (FilterCascade, ClearDropsTheRecordsAndKeepsTheFilters)
 
     cascade.clear();
     EXPECT_FALSE (cascade.ready);
-    EXPECT_EQ (typesOf (cascade.doubleFilters), (std::vector<int>{ 14, 8 }));
-    EXPECT_EQ (typesOf (cascade.biquads), (std::vector<int>{ 6 }));
+    EXPECT_EQ (typesOf (cascade.doubleFilters), (std::vector<int> { 14, 8 }));
+    EXPECT_EQ (typesOf (cascade.biquads), (std::vector<int> { 6 }));
 
     for (const auto* list : { &cascade.doubleFilters, &cascade.biquads })
         for (const auto& filter : *list)

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "dsp/nvx/IIRFilter.h"
 
+#include "support/Samples.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -9,15 +11,14 @@
 #include <chrono>
 #include <cmath>
 #include <complex>
-#include <cstdint>
 #include <limits>
-#include <random>
 #include <string>
 #include <thread>
 #include <vector>
 
 namespace
 {
+using Samples::whiteNoise;
 
 using Complex = std::complex<double>;
 
@@ -82,17 +83,6 @@ void expectRounded (const NVX::BiquadCoefficients& stored, const Five& exact)
 }
 
 double rootInFloat (double gain) { return static_cast<double> (std::sqrt (static_cast<float> (gain))); }
-
-std::vector<float> whiteNoise (int length, std::uint32_t seed)
-{
-    std::mt19937 generator (seed);
-    std::vector<float> noise (static_cast<std::size_t> (length));
-
-    for (auto& sample : noise)
-        sample = static_cast<float> (static_cast<double> (generator()) / 2147483648.0 - 1.0);
-
-    return noise;
-}
 
 std::vector<float> impulseResponse (NVX::IIRFilter& filter, int length)
 {
@@ -266,8 +256,8 @@ TEST_P (IIRFilterOfType, ServesNoSingleSamplesAndNoDoubleState)
     filter.setState ({ 1.0, 1.0 }, 0);
     filter.setCoefficients ({ 1.0, 2.0, 3.0, 4.0, 5.0, 6.0 }, 0);
 
-    EXPECT_EQ (filter.getState (0), NVX::FilterState{});
-    EXPECT_EQ (filter.getCoefficients (0), NVX::FilterCoefficients{});
+    EXPECT_EQ (filter.getState (0), NVX::FilterState {});
+    EXPECT_EQ (filter.getCoefficients (0), NVX::FilterCoefficients {});
     EXPECT_EQ (filter.records[0].s1, 0.5f);
     EXPECT_EQ (filter.records[0].s2, 0.0f);
     EXPECT_TRUE (equal (filter.records[0].coefficients, before));
@@ -418,7 +408,7 @@ protected:
         return x;
     }
 
-    NVX::IIRFilter filter{ 0, 1000.0, 0.7, 1.0 };
+    NVX::IIRFilter filter { 0, 1000.0, 0.7, 1.0 };
 };
 
 TEST_F (IIRFilterSteps, FollowTheTransposedDirectForm)
@@ -564,7 +554,7 @@ TEST (IIRFilter, WaitsForTheLockOfItsRecord)
     auto samples = whiteNoise (64, 0x10c), expected = samples;
     free.process (expected.data(), 64, 0);
 
-    std::atomic<bool> started{ false }, finished{ false };
+    std::atomic<bool> started { false }, finished { false };
     filter.records[0].lock.lock();
     EXPECT_FALSE (filter.records[0].lock.tryLock());
 
@@ -593,7 +583,7 @@ TEST (IIRFilter, TakesNewResponsesWhileItRuns)
 {
     NVX::IIRFilter filter (2, 1000.0, 0.7, 2.0);
     filter.setSampleRate (1, 48000.0);
-    std::atomic<bool> done{ false };
+    std::atomic<bool> done { false };
 
     std::thread control (
         [&]

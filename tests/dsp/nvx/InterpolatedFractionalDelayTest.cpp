@@ -1,26 +1,15 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "dsp/nvx/InterpolatedFractionalDelay.h"
 
+#include "support/Samples.h"
+
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <cstdint>
-#include <random>
 #include <vector>
 
 namespace
 {
-
-std::vector<float> whiteNoise (int length, std::uint32_t seed)
-{
-    std::mt19937 generator (seed);
-    std::vector<float> noise (static_cast<std::size_t> (length));
-
-    for (auto& sample : noise)
-        sample = static_cast<float> (static_cast<double> (generator()) / 2147483648.0 - 1.0);
-
-    return noise;
-}
+using Samples::whiteNoise;
 
 // From the signal alone, without a ring: f x[n - W - 1] + (1 - f) x[n - W - 2].
 std::vector<float> expectedOutput (const std::vector<float>& x, int wholeDelay, double fraction)
@@ -46,7 +35,7 @@ struct Delay
 // 9.16666 microseconds, split at the rates from 44.1 kHz to 16 times that.
 std::vector<Delay> delays()
 {
-    std::vector<Delay> result{ { 0, 0.0 }, { 0, 1.0 }, { 1, 0.5 }, { 5, 0.25 }, { 63, 0.7 } };
+    std::vector<Delay> result { { 0, 0.0 }, { 0, 1.0 }, { 1, 0.5 }, { 5, 0.25 }, { 63, 0.7 } };
 
     for (const double rate : { 44100.0, 48000.0, 96000.0, 192000.0, 705600.0 })
     {
@@ -82,14 +71,8 @@ TEST_P (FractionalDelayOf, DoesNotDependOnTheBlockLength)
     NVX::InterpolatedFractionalDelay delay;
     delay.rebuild (1, whole, fraction);
     auto samples = noise;
-    const int lengths[] = { 1, 0, 7, 64, 2, 33 };
-
-    for (int done = 0, i = 0; done < 1000; ++i)
-    {
-        const int length = std::min (lengths[i % 6], 1000 - done);
-        delay.process (samples.data() + done, length, 0);
-        done += length;
-    }
+    Samples::inBlocks (1000, { 1, 0, 7, 64, 2, 33 },
+                       [&] (int done, int length) { delay.process (samples.data() + done, length, 0); });
 
     EXPECT_EQ (samples, expectedOutput (noise, whole, fraction));
 }
@@ -100,9 +83,9 @@ TEST (InterpolatedFractionalDelay, AnImpulseAppearsTwiceWithTheTwoWeights)
 {
     NVX::InterpolatedFractionalDelay delay;
     delay.rebuild (1, 2, 0.25);
-    std::vector<float> samples{ 1.0f, 0.0f, 0.0f, 0.0f, 0.0f, 0.0f, 0.0f, 0.0f };
+    std::vector<float> samples { 1.0f, 0.0f, 0.0f, 0.0f, 0.0f, 0.0f, 0.0f, 0.0f };
     delay.process (samples.data(), 8, 0);
-    EXPECT_EQ (samples, (std::vector<float>{ 0.0f, 0.0f, 0.0f, 0.25f, 0.75f, 0.0f, 0.0f, 0.0f }));
+    EXPECT_EQ (samples, (std::vector<float> { 0.0f, 0.0f, 0.0f, 0.25f, 0.75f, 0.0f, 0.0f, 0.0f }));
 }
 
 TEST (InterpolatedFractionalDelay, RingHoldsTheWholeDelayAndTwoMore)
@@ -129,7 +112,7 @@ TEST (InterpolatedFractionalDelay, WeighsInDoubleAndRoundsOnce)
 {
     NVX::InterpolatedFractionalDelay delay;
     delay.rebuild (1, 0, 0.1);
-    std::vector<float> samples{ 1.0f, 1.0f, 1.0f, 1.0f };
+    std::vector<float> samples { 1.0f, 1.0f, 1.0f, 1.0f };
     delay.process (samples.data(), 4, 0);
     EXPECT_EQ (samples[2], 1.0f); // 0.1 + 0.9, where the float nearest to each would do as well
     EXPECT_EQ (samples[1], static_cast<float> (0.1));

@@ -1,18 +1,18 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "dsp/nvx/OnePoleFilter.h"
 
+#include "support/Samples.h"
+
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cmath>
 #include <complex>
-#include <cstdint>
 #include <memory>
-#include <random>
 #include <vector>
 
 namespace
 {
+using Samples::whiteNoise;
 
 using Complex = std::complex<double>;
 
@@ -44,17 +44,6 @@ Complex measuredResponse (NVX::Filter& filter, double cutoff, double frequency, 
         sum += turn * filter.tick (0, i == 0 ? 1.0 : 0.0);
 
     return sum;
-}
-
-std::vector<float> whiteNoise (int length, std::uint32_t seed)
-{
-    std::mt19937 generator (seed);
-    std::vector<float> noise (static_cast<std::size_t> (length));
-
-    for (auto& sample : noise)
-        sample = static_cast<float> (static_cast<double> (generator()) / 2147483648.0 - 1.0);
-
-    return noise;
 }
 
 class OnePoleOfType : public testing::TestWithParam<int>
@@ -130,14 +119,8 @@ TEST_P (OnePoleOfType, DoesNotDependOnTheBlockLength)
     filter->process (whole.data(), 4096, 0);
 
     filter->setSampleRate (1, 44100.0);
-    const int lengths[] = { 1, 0, 63, 64, 7, 512, 2 };
-
-    for (int done = 0, i = 0; done < 4096; ++i)
-    {
-        const int length = std::min (lengths[i % 7], 4096 - done);
-        filter->process (pieces.data() + done, length, 0);
-        done += length;
-    }
+    Samples::inBlocks (4096, { 1, 0, 63, 64, 7, 512, 2 },
+                       [&] (int done, int length) { filter->process (pieces.data() + done, length, 0); });
 
     EXPECT_EQ (pieces, whole);
 }
@@ -162,11 +145,11 @@ TEST_P (OnePoleOfType, StateIsTheCapacitorAndZero)
     auto filter = makeFilter (GetParam(), 1000.0);
     filter->setSampleRate (2, 48000.0);
     filter->setState ({ 0.5, 99.0 }, 1);
-    EXPECT_EQ (filter->getState (1), (NVX::FilterState{ 0.5, 0.0 }));
-    EXPECT_EQ (filter->getState (0), (NVX::FilterState{ 0.0, 0.0 }));
+    EXPECT_EQ (filter->getState (1), (NVX::FilterState { 0.5, 0.0 }));
+    EXPECT_EQ (filter->getState (0), (NVX::FilterState { 0.0, 0.0 }));
 
     filter->setSampleRate (2, 48000.0);
-    EXPECT_EQ (filter->getState (1), (NVX::FilterState{ 0.0, 0.0 }));
+    EXPECT_EQ (filter->getState (1), (NVX::FilterState { 0.0, 0.0 }));
 }
 
 TEST_P (OnePoleOfType, CoefficientsAreTwo)
@@ -174,7 +157,7 @@ TEST_P (OnePoleOfType, CoefficientsAreTwo)
     auto filter = makeFilter (GetParam(), 1000.0);
     filter->setSampleRate (1, 48000.0);
     filter->setCoefficients ({ 0.25, 0.5, 3.0, 4.0, 5.0, 6.0 }, 0);
-    EXPECT_EQ (filter->getCoefficients (0), (NVX::FilterCoefficients{ 0.25, 0.5, 0.0, 0.0, 0.0, 0.0 }));
+    EXPECT_EQ (filter->getCoefficients (0), (NVX::FilterCoefficients { 0.25, 0.5, 0.0, 0.0, 0.0, 0.0 }));
 
     // y = 0.5 y + 0.25 x: exact in binary
     filter->setState ({ 1.0, 0.0 }, 0);
@@ -223,11 +206,11 @@ TEST_P (OnePoleOfType, LeavesChannelsOutOfRangeAlone)
 
         filter->setState ({ 1.0, 1.0 }, channel);
         filter->setCoefficients ({ 1.0, 1.0, 1.0, 1.0, 1.0, 1.0 }, channel);
-        EXPECT_EQ (filter->getState (channel), NVX::FilterState{});
-        EXPECT_EQ (filter->getCoefficients (channel), NVX::FilterCoefficients{});
+        EXPECT_EQ (filter->getState (channel), NVX::FilterState {});
+        EXPECT_EQ (filter->getCoefficients (channel), NVX::FilterCoefficients {});
     }
 
-    EXPECT_EQ (filter->getState (1), NVX::FilterState{});
+    EXPECT_EQ (filter->getState (1), NVX::FilterState {});
     EXPECT_EQ (filter->getCoefficients (1), coefficients);
 }
 
@@ -265,9 +248,9 @@ TEST (OnePoleFilter, ProcessGoesThroughAnOverriddenTick)
 {
     Doubling filter (700.0);
     filter.setSampleRate (1, 48000.0);
-    std::vector<float> samples{ 0.25f, -1.0f, 3.0f };
+    std::vector<float> samples { 0.25f, -1.0f, 3.0f };
     filter.process (samples.data(), 3, 0);
-    EXPECT_EQ (samples, (std::vector<float>{ 0.5f, -2.0f, 6.0f }));
+    EXPECT_EQ (samples, (std::vector<float> { 0.5f, -2.0f, 6.0f }));
 }
 
 } // namespace

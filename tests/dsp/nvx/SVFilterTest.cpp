@@ -1,19 +1,20 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "dsp/nvx/SVFilter.h"
 
+#include "support/Samples.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cmath>
 #include <complex>
-#include <cstdint>
 #include <memory>
-#include <random>
 #include <string>
 #include <vector>
 
 namespace
 {
+using Samples::whiteNoise;
 
 using Complex = std::complex<double>;
 
@@ -81,17 +82,6 @@ Complex responseAt (const std::vector<double>& h, double frequency, double rate)
         sum = *y + zInverse * sum;
 
     return sum;
-}
-
-std::vector<float> whiteNoise (int length, std::uint32_t seed)
-{
-    std::mt19937 generator (seed);
-    std::vector<float> noise (static_cast<std::size_t> (length));
-
-    for (auto& sample : noise)
-        sample = static_cast<float> (static_cast<double> (generator()) / 2147483648.0 - 1.0);
-
-    return noise;
 }
 
 struct Setting
@@ -253,7 +243,7 @@ TEST (SVFilter, ThirteenIsSilent)
 {
     NVX::SVFilter<13> filter (1000.0, 0.7, 2.0);
     filter.setSampleRate (1, 48000.0);
-    EXPECT_EQ (filter.getCoefficients (0), NVX::FilterCoefficients{});
+    EXPECT_EQ (filter.getCoefficients (0), NVX::FilterCoefficients {});
 
     for (const float scale : { 1.0f, 1.0e-30f, 1.0e30f })
     {
@@ -299,9 +289,9 @@ TEST (SVFilter, StepsTheLoopInDouble)
 
     // Worked by hand; every value is a short binary fraction, so the result is exact.
     EXPECT_EQ (filter.tick (0, 1.0), 2.0);
-    EXPECT_EQ (filter.getState (0), (NVX::FilterState{ 0.5, 0.25 }));
+    EXPECT_EQ (filter.getState (0), (NVX::FilterState { 0.5, 0.25 }));
     EXPECT_EQ (filter.tick (0, 0.0), 1.75);
-    EXPECT_EQ (filter.getState (0), (NVX::FilterState{ -0.125, 0.4375 }));
+    EXPECT_EQ (filter.getState (0), (NVX::FilterState { -0.125, 0.4375 }));
 
     // A state finer than a float carries over: nothing but the output is rounded.
     filter.setState ({ 0.0, 1.0 + std::ldexp (1.0, -40) }, 0);
@@ -341,14 +331,8 @@ TEST_P (SVFilterOfType, DoesNotDependOnTheBlockLength)
     filter->process (whole.data(), 4096, 0);
 
     filter->setSampleRate (1, 44100.0);
-    const int lengths[] = { 1, 0, 63, 64, 7, 512, 2 };
-
-    for (int done = 0, i = 0; done < 4096; ++i)
-    {
-        const int length = std::min (lengths[i % 7], 4096 - done);
-        filter->process (pieces.data() + done, length, 0);
-        done += length;
-    }
+    Samples::inBlocks (4096, { 1, 0, 63, 64, 7, 512, 2 },
+                       [&] (int done, int length) { filter->process (pieces.data() + done, length, 0); });
 
     EXPECT_EQ (pieces, whole);
 }
@@ -391,7 +375,7 @@ TEST_P (SVFilterOfType, SetSampleRateStartsAllChannelsFromSilence)
     EXPECT_EQ (filter->type, GetParam());
 
     for (int channel = 0; channel < 2; ++channel)
-        EXPECT_EQ (filter->getState (channel), (NVX::FilterState{ 0.0, 0.0 }));
+        EXPECT_EQ (filter->getState (channel), (NVX::FilterState { 0.0, 0.0 }));
 }
 
 TEST_P (SVFilterOfType, WithoutRecordsPassesTheSignalOn)
@@ -437,11 +421,11 @@ TEST_P (SVFilterOfType, LeavesChannelsOutOfRangeAlone)
 
         filter->setState ({ 1.0, 1.0 }, channel);
         filter->setCoefficients ({ 1.0, 1.0, 1.0, 1.0, 1.0, 1.0 }, channel);
-        EXPECT_EQ (filter->getState (channel), NVX::FilterState{});
-        EXPECT_EQ (filter->getCoefficients (channel), NVX::FilterCoefficients{});
+        EXPECT_EQ (filter->getState (channel), NVX::FilterState {});
+        EXPECT_EQ (filter->getCoefficients (channel), NVX::FilterCoefficients {});
     }
 
-    EXPECT_EQ (filter->getState (1), NVX::FilterState{});
+    EXPECT_EQ (filter->getState (1), NVX::FilterState {});
     EXPECT_EQ (filter->getCoefficients (1), coefficients);
 }
 
