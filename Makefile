@@ -28,7 +28,7 @@ build:
 	@scripts/build.sh
 
 test:
-	@scripts/install-packages.sh build test
+	@scripts/install-packages.sh build test format
 	@scripts/test.sh
 
 bench:

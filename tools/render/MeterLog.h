@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "settings/ChannelSettings.h"
 #include "render/PendingFile.h"
+#include "settings/ChannelSettings.h"
 
 #include <array>
 #include <cstdint>

@@ -3,10 +3,10 @@
 
 #include "parameters/NumberText.h"
 #include "parameters/ParameterTable.h"
-#include "settings/Decibels.h"
 #include "render/ParameterText.h"
 #include "render/RenderError.h"
 #include "render/TextFile.h"
+#include "settings/Decibels.h"
 
 #include <functional>
 #include <map>
