@@ -7,25 +7,10 @@
 #include <cassert>
 #include <cmath>
 
-namespace
-{
-/** The detector high-pass exists from there up; below, its control reads "OFF". */
-bool highPassIsIn (double hz) noexcept { return hz >= ChannelSettings::lowestHighPassHz; }
-} // namespace
-
 BandCompressor::BandCompressor (int index)
-    : law (ControlLaw::shared()), transferTable (&DetectorCurves::forRatio (0)), ratioFeedbackOhms (39000.0),
-      ratioGroundOhms (3300.0), ratioParallelOhms (3042.553191489362),
-      restGain (law (static_cast<float> (floorVoltage))), meterGain (restGain), bandIndex (index)
+    : BandControls (index), law (ControlLaw::shared()), restGain (law (static_cast<float> (floorVoltage))),
+      meterGain (restGain)
 {
-    updateCoefficients();
-}
-
-void BandCompressor::updateCoefficients() noexcept
-{
-    attackCoefficient = mainCapacitor.coefficient (attackOhms);
-    recoveryCoefficient = mainCapacitor.coefficient (recoveryOhms);
-    auxLeakCoef = auxCapacitor.coefficient (68000.0);
 }
 
 void BandCompressor::prepare (double internalRate, int numChannels, int internalBlockSize)
@@ -37,7 +22,7 @@ void BandCompressor::prepare (double internalRate, int numChannels, int internal
 
     mainCapacitor.prepare (internalRate);
     auxCapacitor.prepare (internalRate);
-    updateCoefficients();
+    setPeriod (mainCapacitor.T);
 
     updateHighPass (hpfHz);
     highPass.prepare (internalRate, 1, internalBlockSize);
@@ -102,31 +87,6 @@ void BandCompressor::release()
     lowShelf.release();
     highShelf.release();
     ready = false;
-}
-
-void BandCompressor::updateHighPass (double hz) noexcept
-{
-    if (highPassIsIn (hz))
-    {
-        highPass.setResponse (SmoothedSVFilter::highPass, hz, 1.0, 1.0);
-        highPass.mix.setTarget (1.0);
-    }
-    else
-    {
-        highPass.mix.setTarget (0.0);
-    }
-}
-
-void BandCompressor::setNiveau (bool on) noexcept
-{
-    if (on)
-    {
-        lowShelf.setResponse (SmoothedSVFilter::lowShelf, 125.0, 0.3, 0.12589254117941673);  // -18 dB
-        highShelf.setResponse (SmoothedSVFilter::highShelf, 8000.0, 0.3, 7.943282347242816); // +18 dB
-    }
-
-    lowShelf.mix.setTarget (on ? 1.0 : 0.0);
-    highShelf.mix.setTarget (on ? 1.0 : 0.0);
 }
 
 void BandCompressor::process (float* const* bandChannels, int numSamples) noexcept
@@ -204,7 +164,7 @@ void BandCompressor::makeDetector (float* const* bandChannels, int numSamples) n
     }
 
     // Below its lowest frequency the high-pass is skipped outright: no fade, and its mix stays where it stood.
-    if (highPassIsIn (hpfHz))
+    if (ChannelSettings::highPassIsIn (hpfHz))
         highPass.process (&detector, numSamples);
 
     lowShelf.process (&detector, numSamples);

@@ -1,13 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "dsp/BandControls.h"
 #include "dsp/ControlLaw.h"
-#include "dsp/DetectorCurves.h"
 #include "dsp/nvx/FilterCascade.h"
 #include "dsp/RCSection.h"
 #include "dsp/ScratchPool.h"
-#include "dsp/SmoothedSVFilter.h"
-#include "settings/ChannelSettings.h"
 
 /** One band: a feedback compressor whose gain element is driven by a capacitor voltage, solved sample by sample.
 
@@ -19,12 +17,11 @@
     Shape    channels x n float samples, in place; solver state and coefficients are double.
     Rate     the processing rate in Hz; T = 1 / rate in seconds.
     Latency  none.
-    Threads  prepare and release when stopped; process, idleAdvance and meterValue on audio; applyBandSettings,
-             updateHighPass and setNiveau on any: they write plain fields and smoother targets, with no lock, and a
-             torn set of them lasts until the next change of a control.
+    Threads  prepare and release when stopped; all else on audio. What controls ask for is planned elsewhere, on a
+             BandControls of its own, and followed at the start of a block.
     Errors   none reported; more samples than prepared for is a caller's fault, asserted in debug.
 */
-class BandCompressor
+class BandCompressor : public BandControls<SmoothedSVFilter>
 {
 public:
     /** bandIndex: 0 low, 1 mid, 2 high; it picks the band's fields in ChannelSettings. */
@@ -54,61 +51,27 @@ public:
     /** Averaged gain over the rest gain, linear: 1 at rest, below 1 when compressing. */
     double meterValue() const noexcept { return meterGain / restGain; }
 
-    /** Turns what the user set into circuit values. Any thread; the record is a private copy. */
-    void applyBandSettings (ChannelSettings settings) noexcept;
-
-    /** Detector high-pass: in at 20.01 Hz and above, out below. */
-    void updateHighPass (double hz) noexcept;
-
-    /** Detector tilt: 18 dB less below, 18 dB more above, so that the band listens to the top. */
-    void setNiveau (bool on) noexcept;
-
     // ---- gain computer -----------------------------------------------------------------------
     static constexpr double floorVoltage = 0.1; // V; the main capacitor's rest and the law's lowest argument
     static constexpr int maxPasses = 6;         // of the solver: the sixth value stands, converged or not
 
     const ControlLaw& law;
-    const DetectorCurve* transferTable;                           // the ratio's curve
-    double ratioFeedbackOhms, ratioGroundOhms, ratioParallelOhms; // what the curve was made from; read by nothing
+    RCSection mainCapacitor { mainFarad, 82000.0, floorVoltage };
+    RCSection auxCapacitor { auxFarad, auxLeakOhms, 0.0 };
 
-    RCSection mainCapacitor { 0.000022, 82000.0, floorVoltage };
-    RCSection auxCapacitor { 0.000125, 68000.0, 0.0 };
-
-    double attackOhms = 270.0, recoveryOhms = 71900.0;
-    bool autoRecovery = true;
-    double attackCoefficient, recoveryCoefficient;           // of the main capacitor
-    double auxLeakCoef;                                      // of the auxiliary one, through 68 kilohm
-    double thresholdGain = 15.848931924611142;               // linear, into the detector; 24 dB
     double restGain;                                         // the law at the floor voltage, -33.702 dB
     double lastGain = 1.0;                                   // the solver's first guess
     double makeupSmooth = 1.0, makeupA = 0.0, makeupB = 1.0; // automatic make-up, 2 s
     double meterGain, meterA = 0.0, meterB = 1.0;            // averaged gain, 0.4 s
-    bool autoMakeup = false;
-    bool bandActive = true; // the detector is in use
 
     // ---- signal path -------------------------------------------------------------------------
     int channels = 0;
     double rate = 44100.0; // processing rate, Hz
 
-    LinearSmoother driveRamp { 31.622776601683793 }; // linear drive into the band, 30 dB
-    LinearSmoother wetRamp { 1.0 };                  // gain of the compressed signal
-    LinearSmoother dryRamp { 0.0 };                  // gain of the signal as it came
-    LinearSmoother midSideRamp { 0.5 };
-
-    // The band's own copies of the record's values; hpfHz and niveau tell whether a filter has to change.
-    double hpfHz = 20.0;
-    bool nuke = false;
-    bool niveau = true;
-    double calibrationGain = 14.5075;
-
     NVX::FilterCascade toneCascade; // the response of the unit's audio path
-    SmoothedSVFilter highPass { SmoothedSVFilter::highPass };
-    SmoothedSVFilter lowShelf { SmoothedSVFilter::lowShelf };
-    SmoothedSVFilter highShelf { SmoothedSVFilter::highShelf };
 
 private:
     void buildToneCascade();
-    void updateCoefficients() noexcept;
     void makeDetector (float* const* bandChannels, int numSamples) noexcept;
     void applyMidSide (float* const* bandChannels, int numSamples) noexcept;
 
@@ -129,7 +92,6 @@ private:
     };
     float* vector (Vector which) noexcept { return pool[channels + which]; }
 
-    const int bandIndex;
     bool ready = false;
     bool midSideActive = false; // of the block in progress
     ScratchPool pool;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // What the user set, turned into the circuit values of a band.
-#include "dsp/BandCompressor.h"
+#include "dsp/BandControls.h"
+#include "dsp/RCSection.h"
 #include "settings/Decibels.h"
 
 #include <iterator>
@@ -32,27 +33,41 @@ bool anotherBandIsSolo (const ChannelSettings& settings, int band) noexcept
 }
 } // namespace
 
-void BandCompressor::applyBandSettings (ChannelSettings settings) noexcept
+template <typename DetectorFilter>
+BandControls<DetectorFilter>::BandControls (int index) noexcept : bandIndex (index)
 {
-    bandActive = true;
+    setPeriod (period);
+}
 
+template <typename DetectorFilter>
+void BandControls<DetectorFilter>::setPeriod (double newPeriod) noexcept
+{
+    period = newPeriod;
+    attackCoefficient = RCSection::coefficientOf (mainFarad, attackOhms, period);
+    recoveryCoefficient = RCSection::coefficientOf (mainFarad, recoveryOhms, period);
+    auxLeakCoef = RCSection::coefficientOf (auxFarad, auxLeakOhms, period);
+}
+
+template <typename DetectorFilter>
+void BandControls<DetectorFilter>::applyBandSettings (const ChannelSettings& settings) noexcept
+{
     const auto& band = settings.bands[bandIndex];
-    const auto threshold = band.thresholdDb.target;
-    const auto gain = band.gainDb.target;
+    const double threshold = band.thresholdDb.target;
+    const double gain = band.gainDb.target;
+    const int attack = band.attack, recovery = band.recovery, ratio = band.ratio;
     const auto muted = ! band.solo && anotherBandIsSolo (settings, bandIndex);
 
     midSideRamp.setTarget (band.midSide);
 
     // A row outside its table leaves the old part in place.
-    if (isRow (band.attack, attackTable))
-        attackOhms = attackTable[band.attack];
+    if (isRow (attack, attackTable))
+        attackOhms = attackTable[attack];
 
-    if (isRow (band.recovery, recoveryTable))
-        recoveryOhms = recoveryTable[band.recovery];
+    if (isRow (recovery, recoveryTable))
+        recoveryOhms = recoveryTable[recovery];
 
-    autoRecovery = band.recovery == autoRecoveryRow;
-    attackCoefficient = mainCapacitor.coefficient (attackOhms);
-    recoveryCoefficient = mainCapacitor.coefficient (recoveryOhms);
+    autoRecovery = recovery == autoRecoveryRow;
+    setPeriod (period);
 
     // Below 0 dB, Gain is the automatic make-up: the drive then stays where 0 dB puts it, nuke or not.
     autoMakeup = gain < 0.0;
@@ -62,9 +77,9 @@ void BandCompressor::applyBandSettings (ChannelSettings settings) noexcept
 
     thresholdGain = Decibels::toGain ((20.0 - threshold) + (settings.nuke ? nukeThresholdDb : 0.0));
 
-    if (band.ratio >= 0 && band.ratio < DetectorCurves::numCurves)
+    if (ratio >= 0 && ratio < DetectorCurves::numCurves)
     {
-        const auto& curve = DetectorCurves::forRatio (band.ratio);
+        const auto& curve = DetectorCurves::forRatio (ratio);
         transferTable = &curve;
         ratioFeedbackOhms = curve.feedbackOhms;
         ratioGroundOhms = curve.groundOhms;
@@ -95,3 +110,33 @@ void BandCompressor::applyBandSettings (ChannelSettings settings) noexcept
 
     calibrationGain = settings.calibrationGain;
 }
+
+template <typename DetectorFilter>
+void BandControls<DetectorFilter>::updateHighPass (double hz) noexcept
+{
+    if (ChannelSettings::highPassIsIn (hz))
+    {
+        highPass.setResponse (SVResponse::highPass, hz, 1.0, 1.0);
+        highPass.mix.setTarget (1.0);
+    }
+    else
+    {
+        highPass.mix.setTarget (0.0);
+    }
+}
+
+template <typename DetectorFilter>
+void BandControls<DetectorFilter>::setNiveau (bool on) noexcept
+{
+    if (on)
+    {
+        lowShelf.setResponse (SVResponse::lowShelf, 125.0, 0.3, 0.12589254117941673);  // -18 dB
+        highShelf.setResponse (SVResponse::highShelf, 8000.0, 0.3, 7.943282347242816); // +18 dB
+    }
+
+    lowShelf.mix.setTarget (on ? 1.0 : 0.0);
+    highShelf.mix.setTarget (on ? 1.0 : 0.0);
+}
+
+template struct BandControls<SVResponse>;
+template struct BandControls<SmoothedSVFilter>;

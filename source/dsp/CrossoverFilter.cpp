@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "dsp/CrossoverFilter.h"
 
-CrossoverFilter::CrossoverFilter (int initialType) noexcept : type (initialType)
+CrossoverResponse::CrossoverResponse (int initialType) noexcept : type (initialType)
 {
     const auto values = compute();
 
@@ -9,7 +9,7 @@ CrossoverFilter::CrossoverFilter (int initialType) noexcept : type (initialType)
         smoothers[i] = LinearSmoother (values[i]);
 }
 
-void CrossoverFilter::setResponse (double newFrequency, double newQ, double newGain, int newType) noexcept
+void CrossoverResponse::setResponse (double newFrequency, double newQ, double newGain, int newType) noexcept
 {
     frequency = newFrequency;
     q = newQ;
@@ -20,13 +20,23 @@ void CrossoverFilter::setResponse (double newFrequency, double newQ, double newG
         glideTo (compute());
 }
 
-void CrossoverFilter::prepare (double newRate, int numChannels, int maxSamples)
+void CrossoverResponse::land (double newRate) noexcept
 {
     rate = newRate;
-    prepareFor (compute(), newRate, numChannels, maxSamples);
+    landOn (compute(), newRate);
 }
 
-CrossoverFilter::Coefficients CrossoverFilter::compute() const noexcept
+void CrossoverResponse::follow (const CrossoverResponse& plan, bool exactly) noexcept
+{
+    GlidingResponse::follow (plan, exactly);
+    type = plan.type;
+    frequency = plan.frequency;
+    q = plan.q;
+    gain = plan.gain;
+    rate = plan.rate;
+}
+
+CrossoverResponse::Coefficients CrossoverResponse::compute() const noexcept
 {
     const auto p = std::exp (frequency * -6.283185307179586 / rate);
 

@@ -1,35 +1,37 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "dsp/GlidingResponse.h"
 #include "dsp/ScratchPool.h"
 #include "dsp/VectorOps.h"
-#include "settings/LinearSmoother.h"
 
 #include <array>
 #include <cassert>
 #include <cmath>
 #include <vector>
 
-/** What the filters with gliding coefficients share: the glide of each coefficient over 100 ms, a crossfade `mix`
-    between the filtered and the unfiltered signal, and two doubles of state a channel.
+/** What the filters with gliding coefficients share: a response that glides over 100 ms, a crossfade `mix` between the
+    filtered and the unfiltered signal, and two doubles of state a channel.
 
-    A `Response` gives the filter itself:
-        static constexpr int numCoefficients;
+    `Response` is the side that controls move, a GlidingResponse; `Tick` is the filter itself:
         static double tick (const double* coefficients, double& stateA, double& stateB, double x) noexcept;
 
     Shape    channels x n float samples, in place; state and coefficients are double, rounded to float at the end.
     Rate     the processing rate, host rate times oversampling factor, in Hz.
     Latency  none.
-    Threads  glideTo and mix.setTarget on any: they move smoother targets and nothing else. process on audio.
-             prepare and release when stopped.
+    Threads  process, setResponse and follow on audio; prepare and release when stopped.
     Errors   none reported; more samples than prepared for is a caller's fault, asserted in debug.
 */
-template <typename Response>
-class GlidingFilter
+template <typename Tick, typename Response>
+class GlidingFilter : public Response
 {
 public:
-    static constexpr int numCoefficients = Response::numCoefficients;
-    using Coefficients = std::array<double, numCoefficients>;
+    using Response::Response;
+
+    using Response::mix;
+    using Response::numCoefficients;
+    using Response::ready;
+    using Response::smoothers;
 
     struct State
     {
@@ -68,15 +70,10 @@ public:
         }
     }
 
-    bool ready = false;         // set by prepare
-    LinearSmoother mix { 1.0 }; // 0 the filter is out, 1 it is in
-    std::array<LinearSmoother, static_cast<std::size_t> (numCoefficients)> smoothers;
-    std::vector<State> states; // one a channel
-
-protected:
-    /** Makes the states, lands every smoother, sizes the vectors. States of channels that stay are kept, so
-        that the sound goes on; one that is no longer finite is cleared, so that a restart heals it. */
-    void prepareFor (const Coefficients& values, double newRate, int numChannels, int maxSamples)
+    /** Lands on the present response with no glide, makes the states and sizes the vectors. States of channels that stay
+        are kept, so that the sound goes on; one that is no longer finite is cleared, so that a restart heals it.
+        Stopped; allocates. */
+    void prepare (double newRate, int numChannels, int maxSamples)
     {
         states.resize (static_cast<std::size_t> (numChannels));
 
@@ -84,35 +81,23 @@ protected:
             if (! std::isfinite (state.a) || ! std::isfinite (state.b))
                 state = {};
 
-        const auto length = rampLengthFor (newRate);
-        glideTo (values);
-
-        for (auto& smoother : smoothers)
-            smoother.restAtTarget (length);
-
-        mix.restAtTarget (length);
+        Response::land (newRate);
         unfiltered.grow (numChannels + 2, maxSamples);
 
         for (auto& vector : glide)
             vector.assign (static_cast<std::size_t> (maxSamples), 0.0);
-
-        ready = true;
     }
 
-    void glideTo (const Coefficients& values) noexcept
-    {
-        for (std::size_t i = 0; i < smoothers.size(); ++i)
-            smoothers[i].setTarget (values[i]);
-    }
-
-    /** Gives the coefficient vectors back and is not ready until the next prepare. */
-    void releaseVectors()
+    /** Gives the coefficient vectors back and is not ready until the next prepare. Stopped. */
+    void release()
     {
         for (auto& vector : glide)
             std::vector<double>().swap (vector);
 
         ready = false;
     }
+
+    std::vector<State> states; // one a channel
 
 private:
     static void zeroIfTiny (double& value) noexcept
@@ -158,7 +143,7 @@ private:
                 for (std::size_t k = 0; k < smoothers.size(); ++k)
                     now[k] = glide[k][static_cast<std::size_t> (i)];
 
-                samples[i] = static_cast<float> (Response::tick (now, state.a, state.b, samples[i]));
+                samples[i] = static_cast<float> (Tick::tick (now, state.a, state.b, samples[i]));
             }
 
             states[static_cast<std::size_t> (c)] = state;
@@ -178,7 +163,7 @@ private:
             auto state = states[static_cast<std::size_t> (c)];
 
             for (int i = 0; i < n; ++i)
-                samples[i] = static_cast<float> (Response::tick (now, state.a, state.b, samples[i]));
+                samples[i] = static_cast<float> (Tick::tick (now, state.a, state.b, samples[i]));
 
             states[static_cast<std::size_t> (c)] = state;
         }

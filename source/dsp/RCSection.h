@@ -4,8 +4,7 @@
 /** One capacitor and the step of a backward-Euler charge through a resistor: T / (C R + T).
 
     Units    capacitance in farad, resistance in ohm, rate in Hz, T in seconds, voltage in volt.
-    Threads  coefficient on any: it keeps the last resistance and its result with no lock, so when two threads ask at
-             the same time one may get the other's answer, which lasts until its next call.
+    Threads  audio; prepare when stopped.
 */
 struct RCSection
 {
@@ -14,6 +13,9 @@ struct RCSection
     {
         setRate (44100.0);
     }
+
+    /** The step's share of the way to the voltage behind the resistor, 0 to 1. */
+    static double coefficientOf (double farad, double ohms, double T) noexcept { return T / (farad * ohms + T); }
 
     /** Takes a new processing rate, drops the kept result and discharges the capacitor. Stopped. */
     void prepare (double newRate) noexcept
@@ -24,14 +26,13 @@ struct RCSection
 
     double coefficient (double ohms) noexcept
     {
-        if (ohms == cachedOhms)
-            return cachedCoefficient;
+        if (ohms != cachedOhms)
+        {
+            cachedOhms = resistance = ohms;
+            cachedCoefficient = coefficientOf (capacitance, ohms, T);
+        }
 
-        // What is returned was computed here, whatever another control's thread keeps meanwhile.
-        const auto result = T / (capacitance * ohms + T);
-        cachedCoefficient = result;
-        cachedOhms = resistance = ohms;
-        return result;
+        return cachedCoefficient;
     }
 
     double capacitance, resistance;

@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <cmath>
 
-void SmoothedSVFilter::setResponse (int newType, double newFrequency, double newQ, double newGain) noexcept
+void SVResponse::setResponse (int newType, double newFrequency, double newQ, double newGain) noexcept
 {
     type = newType;
     frequency = newFrequency;
@@ -15,13 +15,23 @@ void SmoothedSVFilter::setResponse (int newType, double newFrequency, double new
         glideTo (compute());
 }
 
-void SmoothedSVFilter::prepare (double newRate, int numChannels, int maxSamples)
+void SVResponse::land (double newRate) noexcept
 {
     rate = newRate;
-    prepareFor (compute(), newRate, numChannels, maxSamples);
+    landOn (compute(), newRate);
 }
 
-SmoothedSVFilter::Coefficients SmoothedSVFilter::compute() const noexcept
+void SVResponse::follow (const SVResponse& plan, bool exactly) noexcept
+{
+    GlidingResponse::follow (plan, exactly);
+    type = plan.type;
+    frequency = plan.frequency;
+    q = plan.q;
+    gain = plan.gain;
+    rate = plan.rate;
+}
+
+SVResponse::Coefficients SVResponse::compute() const noexcept
 {
     // Above half the rate the formulas turn unstable; what a control can ask for at usual rates stays far below.
     const auto hz = std::min (frequency, 0.49 * rate);

@@ -4,10 +4,8 @@
 #include "dsp/GlidingFilter.h"
 
 /** One sample of the state-variable filter with trapezoidal integrators; coefficients a1, a2, a3, m0, m1, m2. */
-struct StateVariableResponse
+struct StateVariableTick
 {
-    static constexpr int numCoefficients = 6;
-
     static double tick (const double* k, double& s1, double& s2, double x) noexcept
     {
         const auto v3 = x - s2;
@@ -19,14 +17,9 @@ struct StateVariableResponse
     }
 };
 
-/** The detector's filter: second order, with a response that glides and a crossfade in and out.
-
-    A filter that is out (`mix` at rest below 0.5) leaves signal and state as they are and costs one comparison.
-    Shape, rate, threads, errors: GlidingFilter.
-*/
-class SmoothedSVFilter : public GlidingFilter<StateVariableResponse>
+/** What a detector filter is set to. */
+struct SVResponse : GlidingResponse<6>
 {
-public:
     enum Type : int
     {
         lowPass = 0,
@@ -40,21 +33,31 @@ public:
     };
 
     /** Constructed at 1000 Hz, Q 1, gain 1. */
-    explicit SmoothedSVFilter (int initialType) noexcept : type (initialType) {}
+    explicit SVResponse (int initialType) noexcept : type (initialType) {}
 
-    /** Glides to a response over 100 ms. Any thread. Frequency in Hz, gain linear (of a bell's peak or a shelf's
-        plateau). Before the first prepare it only stores. */
+    /** Glides to a response over 100 ms. Frequency in Hz, gain linear (of a bell's peak or a shelf's plateau). Before
+        the first landing it only stores. */
     void setResponse (int newType, double newFrequency, double newQ, double newGain) noexcept;
 
-    /** Lands on the present response with no glide. Stopped; allocates. */
-    void prepare (double newRate, int numChannels, int maxSamples);
+    /** Lands on the present response at a processing rate in Hz. */
+    void land (double newRate) noexcept;
 
-    /** Gives the vectors back. Stopped. */
-    void release() { releaseVectors(); }
+    void follow (const SVResponse& plan, bool exactly) noexcept;
 
     int type;
     double frequency = 1000.0, q = 1.0, gain = 1.0, rate = 44100.0;
 
 private:
     Coefficients compute() const noexcept;
+};
+
+/** The detector's filter: second order, with a response that glides and a crossfade in and out.
+
+    A filter that is out (`mix` at rest below 0.5) leaves signal and state as they are and costs one comparison.
+    Shape, rate, threads, errors: GlidingFilter.
+*/
+class SmoothedSVFilter : public GlidingFilter<StateVariableTick, SVResponse>
+{
+public:
+    using GlidingFilter::GlidingFilter;
 };

@@ -58,9 +58,8 @@ void MainUI::refresh()
     mixReadout->setText (juce::String (NumberText::toInt (static_cast<float> (mixShare) * 100.0f)) + " %", silently);
 
     highPass->showValue (HPFParameter::Scale::toPosition (hpfHz));
-    highPassReadout->setText (hpfHz >= ChannelSettings::lowestHighPassHz
-                                  ? juce::String (NumberText::toInt (hpfHz)) + " Hz"
-                                  : juce::String ("OFF"),
+    highPassReadout->setText (ChannelSettings::highPassIsIn (hpfHz) ? juce::String (NumberText::toInt (hpfHz)) + " Hz"
+                                                                    : juce::String ("OFF"),
                               silently);
 
     master->showValue (MasterGainParameter::toPosition (masterDb));

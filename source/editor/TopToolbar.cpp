@@ -200,7 +200,7 @@ juce::PopupMenu TopToolbar::settingsMenu()
     calibration.addSeparator();
     calibration.addItem (saveCalibrationId, "Save as default");
 
-    const auto factor = processor->oversamplingRequested;
+    const int factor = processor->oversamplingRequested;
     juce::PopupMenu oversampling;
 
     for (int i = 0; i < juce::numElementsInArray (factors); ++i)

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "parameters/FactoryPrograms.h"
 
-#include "settings/Decibels.h"
-
 namespace
 {
 struct BandRow
@@ -78,14 +76,6 @@ constexpr int wideAndBright = 11; // the high band works on the sides
 
 bool isProgram (int index) noexcept { return index >= 0 && index < FactoryPrograms::numPrograms; }
 
-void restAt (LinearSmoother& db, GeometricSmoother& linear, double decibels) noexcept
-{
-    db.target = decibels;
-    db.restAtTarget (db.length);
-    linear.target = Decibels::toGain (decibels);
-    linear.restAtTarget (linear.length);
-}
-
 void fillBand (ChannelSettings::Band& band, const BandRow& row) noexcept
 {
     band.meter = ChannelSettings::meterControl;
@@ -95,8 +85,8 @@ void fillBand (ChannelSettings::Band& band, const BandRow& row) noexcept
     band.ratio = row.ratio;
     band.attack = row.attack;
     band.recovery = row.recovery;
-    restAt (band.gainDb, band.gainLinear, row.gainDb);
-    restAt (band.thresholdDb, band.thresholdLinear, row.thresholdDb);
+    ChannelSettings::setDecibels (band.gainDb, band.gainLinear, row.gainDb);
+    ChannelSettings::setDecibels (band.thresholdDb, band.thresholdLinear, row.thresholdDb);
 }
 } // namespace
 
@@ -121,14 +111,13 @@ void FactoryPrograms::fill (ChannelSettings& record, int index) noexcept
 
     record.mix = row.mix;
     record.hpfHz = row.hpfHz;
-    restAt (record.masterGainDb, record.masterGainLinear, row.masterDb);
+    ChannelSettings::setDecibels (record.masterGainDb, record.masterGainLinear, row.masterDb);
     record.lowXOverHz = row.lowXOverHz;
     record.highXOverHz = row.highXOverHz;
     record.nuke = row.nuke;
     record.niveau = row.niveau;
     record.link = row.link;
-    record.bypass.target = 0.0;
-    record.bypass.restAtTarget (record.bypass.length);
-    restAt (record.inLevelDb, record.inLevelLinear, row.inLevelDb);
-    restAt (record.outLevelDb, record.outLevelLinear, row.outLevelDb);
+    record.bypass.setTarget (0.0);
+    ChannelSettings::setDecibels (record.inLevelDb, record.inLevelLinear, row.inLevelDb);
+    ChannelSettings::setDecibels (record.outLevelDb, record.outLevelLinear, row.outLevelDb);
 }

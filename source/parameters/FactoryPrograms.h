@@ -11,7 +11,7 @@ constexpr int numPrograms = 15;
 /** The name of a program; an empty text for an index outside 0 to 14. */
 const char* name (int index) noexcept;
 
-/** Writes a program's values into a record, every smoother at rest on its value in both forms. Fields that no
+/** Writes a program's values into a record, decibels in both forms. Fields that no
     program holds (owner, calibration, meters) stay. An index outside 0 to 14 changes nothing. Stopped. */
 void fill (ChannelSettings& record, int index) noexcept;
 } // namespace FactoryPrograms

@@ -45,7 +45,7 @@ private:
 };
 
 /** A corner of the crossover; it has no name field of the family's and no "OFF". */
-template <typename Infos, double ChannelSettings::*field>
+template <typename Infos, Shared<double> ChannelSettings::*field>
 class XOverParameter final : public SettingsParameter
 {
 public:
@@ -57,7 +57,7 @@ public:
     {
     }
 
-    float getValue() const override { return Scale::toNormalised (settings->*field); }
+    float getValue() const override { return Scale::toNormalised (settings.load()->*field); }
     float getDefaultValue() const override { return static_cast<float> (Infos::defaultValue); }
     int getNumSteps() const override { return useFiniteSteps ? 1001 : continuousSteps; }
     juce::String getText (float x, int) const override { return Scale::text (Scale::toHz (x)); }
@@ -68,7 +68,7 @@ public:
     }
 
 private:
-    void store (float x) noexcept override { settings->*field = Scale::toHz (x); }
+    void store (float x) noexcept override { settings.load()->*field = Scale::toHz (x); }
 
     const bool useFiniteSteps;
 };

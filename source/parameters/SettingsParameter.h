@@ -45,7 +45,7 @@ protected:
         return std::isfinite (narrowed) ? narrowed : getDefaultValue();
     }
 
-    ChannelSettings* settings;
+    Shared<ChannelSettings*> settings;
 
 private:
     void forwardLink (float newValue);

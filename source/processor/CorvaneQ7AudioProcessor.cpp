@@ -60,7 +60,7 @@ void CorvaneQ7AudioProcessor::setCurrentProgram (int index)
     currentProgram = juce::jlimit (0, FactoryPrograms::numPrograms - 1, index);
 
     // Unsigned differences stay right when the counter wraps. A fresh instance has had no state to shield.
-    if (! freshInstance && millisecondCounter() - lastStateRestoreMs < programShieldMs)
+    if (! freshInstance && millisecondCounter() - lastStateRestoreMs.load() < programShieldMs)
         return;
 
     activeSettings() = programs[static_cast<std::size_t> (currentProgram)];
@@ -88,19 +88,6 @@ void CorvaneQ7AudioProcessor::selectSlot (int slot)
 }
 
 void CorvaneQ7AudioProcessor::copyToOtherSlot() { settingsSlots[(activeSlot + 1) % 2] = activeSettings(); }
-
-void CorvaneQ7AudioProcessor::applySettings()
-{
-    const auto& settings = activeSettings();
-
-    mixRamp.setTarget (settings.bypass.target < 0.5 ? settings.mix : 0.0);
-
-    for (auto& group : bandGroups)
-        group.compressor.applyBandSettings (settings);
-
-    lowSplit.setResponse (settings.lowXOverHz, 1.0, 1.0, CrossoverFilter::lowPass);
-    highSplit.setResponse (settings.highXOverHz, 1.0, 1.0, CrossoverFilter::highPass);
-}
 
 void CorvaneQ7AudioProcessor::setCalibration (double calibrationDb)
 {

@@ -9,6 +9,7 @@
 #include "parameters/FactoryPrograms.h"
 #include "parameters/PluginState.h"
 #include "parameters/UserDefaults.h"
+#include "processor/ControlHandOver.h"
 #include "processor/NoiseSource.h"
 #include "processor/RmsFollower.h"
 #include "processor/Vst3GainReduction.h"
@@ -25,8 +26,8 @@
     Rate     the host's rate fs; the engine runs at fs times the oversampling factor (1 to 16).
     Latency  0 samples at factor 1, 52 at any other.
     Threads  processBlock and processBlockBypassed on audio; prepareToPlay, releaseResources and construction when
-             stopped; applySettings, setOversampling, programs and state on any. Control values pass as plain reads
-             and writes of ChannelSettings by design: what would click is carried by a smoother.
+             stopped; applySettings, setOversampling, programs and state on any. Control values pass from any thread
+             to the audio path by ControlHandOver: no lock, and no change is lost.
     Errors   none are reported. Blocks before the first prepareToPlay, or during a rebuild, are passed on unchanged.
 */
 class CorvaneQ7AudioProcessor : public juce::AudioProcessor, public juce::VST3ClientExtensions, public SettingsOwner
@@ -98,9 +99,12 @@ public:
     /** The record behind the audible slot. */
     ChannelSettings& activeSettings() noexcept { return settingsSlots[activeSlot]; }
 
-    /** Pushes the active record into the engine: mix, the three bands, the crossovers. Any thread; cheap, and
-        without effect when nothing changed. */
+    /** Hands the active record over to the engine: mix, levels, the three bands, the crossovers. The audio path follows
+        from the next block on. Any thread; cheap, and without effect when nothing changed. */
     void applySettings() override;
+
+    /** Takes over what was handed to the engine since the last block; the block loop does it first. Audio. */
+    void followSettings() noexcept;
 
     /** Points all parameter objects at the active record. */
     void rebindParameters();
@@ -142,6 +146,8 @@ public:
     double meterDecay = 0.0; // of the peaks, per processing-rate sample
 
     LinearSmoother mixRamp { 0.0 }; // wet amount, 0 to 1, host rate
+    LevelRamps levels[2];           // of the slots A and B, host rate
+    AudibleSettings audible;
 
     OutputTransformer transformer;
     std::vector<OutputChannelState> transformerStates; // one a channel
@@ -152,23 +158,23 @@ public:
     juce::AudioBuffer<float> lowBuffer, midBuffer, highBuffer; // channels x factor * maxBlockSize
     juce::AudioBuffer<float> controlBuffer;                    // (channels + 5) x maxBlockSize
 
-    float uiZoom = 1.0f; // editor scale, usually 0.7 to 1; a session may hold any number
+    Shared<float> uiZoom = 1.0f; // editor scale, usually 0.7 to 1; a session may hold any number
 
-    int activeSlot = 0; // 0 is A, 1 is B
+    Shared<int> activeSlot = 0; // 0 is A, 1 is B
     ChannelSettings settingsSlots[2] { ChannelSettings (*this), ChannelSettings (*this) };
     juce::String programNames[FactoryPrograms::numPrograms];
     std::vector<ChannelSettings> programs; // fifteen
-    int currentProgram = 0;
-    std::uint32_t lastStateRestoreMs = 0; // millisecond counter at the last restore
+    Shared<int> currentProgram = 0;
+    Shared<std::uint32_t> lastStateRestoreMs = 0u; // millisecond counter at the last restore
     std::uint32_t (*millisecondCounter)() noexcept = juce::Time::getMillisecondCounter; // tests move it
 
-    bool freshInstance = true;                    // until the first setStateInformation
-    int oversamplingRequested = 1;                // wanted by user or state
+    Shared<bool> freshInstance = true;            // until the first setStateInformation
+    Shared<int> oversamplingRequested = 1;        // wanted by user or state
     juce::AudioBuffer<float> workBuffer;          // channels x factor * maxBlockSize
     int oversamplingCurrent = 1;                  // what the engine is built for
     std::vector<OversamplerChannel> oversamplers; // one a channel
     NVX::DelayLine dryDelay;                      // keeps the dry copy in step with the latency
-    bool reconfiguring = false;                   // true while reconfigure runs
+    Shared<bool> reconfiguring = false;           // true while reconfigure runs
     int hostType = 0;                             // juce::PluginHostType::HostType
 
 private:
@@ -203,13 +209,22 @@ private:
     int numChannelsOf (const juce::AudioBuffer<float>& buffer) const noexcept;
     void clearOutputsWithoutInput (juce::AudioBuffer<float>& buffer) const;
     int factorToBuild() const noexcept;
+    void planSettings() noexcept;
+    void plan (EngineControls& controls) noexcept;
+    void followPlan() noexcept;
+    void tell (EngineControls& controls) const noexcept;
+    void endBlock (int numSamples) noexcept;
+    void rebuildIfAsked();
+    void rebuild (double sampleRate);
     void restoreOptions (const PluginState::Reader& state);
     void changeOversampling (int factor);
     static int latencyOf (int factor) noexcept { return factor >= 2 ? oversamplingLatency : 0; }
 
     Vst3GainReduction gainReductionReport { [this] { return deepestGainReductionDb(); } };
     NoiseSource* noise = &NoiseSource::system();
-    int builtFactor = 1; // the requested factor, limited to 1 to 16
+    ControlHandOver handOver;
+    Shared<bool> hostBypasses = false; // the last block was one that the host bypassed
+    int builtFactor = 1;               // the requested factor, limited to 1 to 16
     int builtChannels = 0;
     std::vector<float*> piecePointers; // channel pointers of a piece
 

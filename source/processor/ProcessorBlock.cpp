@@ -45,31 +45,21 @@ void CorvaneQ7AudioProcessor::processBlock (juce::AudioBuffer<float>& buffer, ju
     const juce::ScopedNoDenormals noDenormals;
     const auto numSamples = buffer.getNumSamples();
 
-    if (numSamples < 1 || buffer.getNumChannels() < 1)
+    if (numSamples < 1 || buffer.getNumChannels() < 1 || reconfiguring)
         return;
 
-    if (reconfiguring)
-        return;
-
+    hostBypasses = false;
     clearOutputsWithoutInput (buffer);
-
-    // A new factor rebuilds the engine here, on the audio thread: the price of a change that a user makes by hand.
-    if (maxBlockSize > 0 && oversamplingCurrent != oversamplingRequested)
-        reconfigure (getSampleRate());
+    rebuildIfAsked();
 
     if (! engineIsReady())
         return;
 
+    followSettings();
     buffer.setNotClear();
 
     const auto numChannels = numChannelsOf (buffer);
     auto* const* channels = buffer.getArrayOfWritePointers();
-
-    if (numSamples <= maxBlockSize)
-    {
-        processPiece (channels, numChannels, numSamples);
-        return;
-    }
 
     for (int done = 0; done < numSamples; done += maxBlockSize)
     {
@@ -78,11 +68,14 @@ void CorvaneQ7AudioProcessor::processBlock (juce::AudioBuffer<float>& buffer, ju
 
         processPiece (piecePointers.data(), numChannels, juce::jmin (maxBlockSize, numSamples - done));
     }
+
+    endBlock (numSamples);
 }
 
 void CorvaneQ7AudioProcessor::processPiece (float* const* channels, int numChannels, int numSamples)
 {
-    auto& settings = activeSettings();
+    auto& settings = settingsSlots[audible.slot];
+    auto& level = levels[audible.slot];
     auto* const* curves = controlBuffer.getArrayOfWritePointers();
     const auto mixStepsLeft = mixRamp.remaining;
     const auto mixTarget = mixRamp.target;
@@ -104,11 +97,11 @@ void CorvaneQ7AudioProcessor::processPiece (float* const* channels, int numChann
         keepDryCopy (channels, numChannels, numSamples);
 
     // 2, 3  Calibration, In Level, noise floor.
-    settings.inLevelLinear.fill (curves[inputCurve], numSamples);
+    level.in.fill (curves[inputCurve], numSamples);
 
     for (int c = 0; c < numChannels; ++c)
     {
-        VectorOps::multiplyByConstant (channels[c], static_cast<float> (settings.calibrationGain), channels[c],
+        VectorOps::multiplyByConstant (channels[c], static_cast<float> (audible.calibrationGain), channels[c],
                                        numSamples);
         VectorOps::multiply (channels[c], curves[inputCurve], channels[c], numSamples);
         addNoise (channels[c], numSamples);
@@ -121,9 +114,9 @@ void CorvaneQ7AudioProcessor::processPiece (float* const* channels, int numChann
         processOversampled (channels, numChannels, numSamples, settings);
 
     // 10  Master Gain over the calibration, Out Level.
-    settings.outLevelLinear.fill (curves[outputCurve], numSamples);
-    settings.masterGainLinear.fill (curves[masterCurve], numSamples);
-    VectorOps::multiplyByConstant (curves[masterCurve], returnGain (settings.calibrationGain), curves[masterCurve],
+    level.out.fill (curves[outputCurve], numSamples);
+    level.master.fill (curves[masterCurve], numSamples);
+    VectorOps::multiplyByConstant (curves[masterCurve], returnGain (audible.calibrationGain), curves[masterCurve],
                                    numSamples);
 
     for (int c = 0; c < numChannels; ++c)
@@ -195,7 +188,7 @@ void CorvaneQ7AudioProcessor::processCore (float* const* channels, int numSample
 {
     splitBands (channels, numSamples, numChannels);
     processBands (numSamples, numChannels, settings);
-    sumBandsIntoTransformer (channels, numSamples, numChannels, settings.nuke);
+    sumBandsIntoTransformer (channels, numSamples, numChannels, audible.nuke);
 }
 
 void CorvaneQ7AudioProcessor::splitBands (float* const* channels, int numSamples, int numChannels) noexcept
@@ -250,19 +243,26 @@ void CorvaneQ7AudioProcessor::sumBandsIntoTransformer (float* const* channels, i
 void CorvaneQ7AudioProcessor::processBlockBypassed (juce::AudioBuffer<float>& buffer, juce::MidiBuffer&)
 {
     const juce::ScopedNoDenormals noDenormals;
+    const auto numSamples = buffer.getNumSamples();
 
-    if (buffer.getNumSamples() < 1 || buffer.getNumChannels() < 1 || reconfiguring)
+    if (numSamples < 1 || buffer.getNumChannels() < 1 || reconfiguring)
         return;
 
+    hostBypasses = true;
     clearOutputsWithoutInput (buffer);
+
+    // The delay must be the one that the host was told.
+    rebuildIfAsked();
 
     if (maxBlockSize < 1)
         return;
 
+    followSettings();
     buffer.setNotClear();
 
     for (int c = 0; c < numChannelsOf (buffer); ++c)
-        dryDelay.process (buffer.getWritePointer (c), buffer.getNumSamples(), c);
+        dryDelay.process (buffer.getWritePointer (c), numSamples, c);
 
-    updateMetersIdle (buffer.getNumSamples());
+    updateMetersIdle (numSamples);
+    endBlock (0); // no ramp moved
 }

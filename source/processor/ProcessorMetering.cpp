@@ -66,7 +66,7 @@ void CorvaneQ7AudioProcessor::processBands (int numSamples, int numChannels, Cha
 
 void CorvaneQ7AudioProcessor::updateMetersIdle (int numSamples) noexcept
 {
-    auto& settings = activeSettings();
+    auto& settings = settingsSlots[audible.slot];
     const auto internalSamples = builtFactor * numSamples;
 
     // In float, from the whole block: the last digits differ from the audio path's decay per sample.
@@ -99,11 +99,11 @@ double CorvaneQ7AudioProcessor::deepestGainReductionDb() const noexcept
 {
     const auto& settings = settingsSlots[activeSlot];
 
-    if (settings.bypass.target >= 0.5)
+    if (hostBypasses || settings.bypass.target >= 0.5)
         return 0.0;
 
     const auto deepest =
-        std::min ({ settings.lowGainReduction, settings.midGainReduction, settings.highGainReduction });
+        std::min<double> ({ settings.lowGainReduction, settings.midGainReduction, settings.highGainReduction });
     return std::isnan (deepest) ? 0.0 : std::min (0.0, Decibels::fromGain (deepest));
 }
 

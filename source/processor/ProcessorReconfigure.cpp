@@ -5,21 +5,38 @@
 int CorvaneQ7AudioProcessor::factorToBuild() const noexcept
 {
     // A session may ask for any number; what is built stays within what the filters are made for.
-    return juce::jlimit (1, UserDefaults::maxOversampling, oversamplingRequested);
+    return juce::jlimit (1, UserDefaults::maxOversampling, oversamplingRequested.load());
 }
 
 void CorvaneQ7AudioProcessor::reconfigure (double sampleRate)
+{
+    handOver.hold();
+    rebuild (sampleRate);
+    handOver.letGo();
+}
+
+void CorvaneQ7AudioProcessor::rebuildIfAsked()
+{
+    // A new factor rebuilds the engine on the audio thread: the price of a change that a user makes by hand. While a
+    // thread plans settings, this block goes on with the old engine.
+    if (maxBlockSize > 0 && oversamplingCurrent != oversamplingRequested && handOver.tryHold())
+    {
+        rebuild (getSampleRate());
+        handOver.letGo();
+    }
+}
+
+void CorvaneQ7AudioProcessor::rebuild (double sampleRate)
 {
     reconfiguring = true;
 
     const auto channels = getTotalNumInputChannels();
     const auto rampLength = rampLengthFor (sampleRate);
 
-    for (auto& slot : settingsSlots)
-        slot.restSmoothers (rampLength);
+    followPlan();
 
-    for (auto& program : programs)
-        program.restSmoothers (rampLength);
+    for (int s = 0; s < 2; ++s)
+        levels[s].landOn (settingsSlots[s], rampLength);
 
     oversamplingCurrent = oversamplingRequested;
     builtFactor = factorToBuild();
@@ -59,7 +76,12 @@ void CorvaneQ7AudioProcessor::reconfigure (double sampleRate)
     lowSplit.prepare (internalRate, channels, internalBlock);
     highSplit.prepare (internalRate, channels, internalBlock);
 
-    applySettings();
+    // The engine stands built: settings are planned from here.
+    EngineControls controls;
+    tell (controls);
+    handOver.restartFrom (controls);
+    handOver.planHeld ([this] (EngineControls& planned) { plan (planned); });
+    followPlan();
 
     dryDelay.setSampleRate (channels, sampleRate);
     dryDelay.rebuild (channels, latencyOf (factor));

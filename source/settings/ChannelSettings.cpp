@@ -7,23 +7,42 @@
 
 namespace
 {
-/** Master Gain, In Level and Out Level travel by their gain: it is the value that the audio path uses. */
-void copyByGain (LinearSmoother& db, GeometricSmoother& linear, const GeometricSmoother& source) noexcept
+// In, Out and Master go beyond their ranges when a host sends them there; their gain must stay a number that the audio
+// path can carry and a ramp can come back from.
+constexpr double highestGain = 1.0e12; // 240 dB
+
+double gainOf (double db) noexcept { return std::min (Decibels::toGain (db), highestGain); }
+
+/** Sets both forms. Another thread may set the same control meanwhile: whoever wrote the decibels last must have
+    written the gain last too, so each looks again until the decibels are the ones that its gain was made of. */
+void setPair (Setpoint& db, Setpoint& linear, double newDb, double newGain) noexcept
 {
-    const auto gain = source.target;
-    db.setTarget (Decibels::fromGain (gain));
-    linear.setTarget (gain);
+    db.setTarget (newDb);
+    linear.setTarget (newGain);
+
+    for (auto written = newDb; ! std::isnan (written);)
+    {
+        const auto now = db.target.loadInOrder();
+
+        if (now == written)
+            break;
+
+        linear.setTarget (gainOf (now));
+        written = now;
+    }
+}
+
+/** Master Gain, In Level and Out Level travel by their gain: it is the value that the audio path uses. */
+void copyByGain (Setpoint& db, Setpoint& linear, const Setpoint& source) noexcept
+{
+    const double gain = source.target;
+    setPair (db, linear, Decibels::fromGain (gain), gain);
 }
 } // namespace
 
-void ChannelSettings::setDecibels (LinearSmoother& db, GeometricSmoother& linear, double value) noexcept
+void ChannelSettings::setDecibels (Setpoint& db, Setpoint& linear, double value) noexcept
 {
-    // In, Out and Master go beyond their ranges when a host sends them there; their gain must stay a number that the
-    // audio path can carry and a ramp can come back from.
-    constexpr double highestGain = 1.0e12; // 240 dB
-
-    db.setTarget (value);
-    linear.setTarget (std::min (Decibels::toGain (value), highestGain));
+    setPair (db, linear, value, gainOf (value));
 }
 
 ChannelSettings& ChannelSettings::operator= (const ChannelSettings& source) noexcept
@@ -57,21 +76,4 @@ ChannelSettings& ChannelSettings::operator= (const ChannelSettings& source) noex
     copyByGain (outLevelDb, outLevelLinear, source.outLevelLinear);
 
     return *this;
-}
-
-void ChannelSettings::restSmoothers (std::uint16_t length) noexcept
-{
-    for (auto& band : bands)
-    {
-        band.gainDb.restAtTarget (length);
-        band.gainLinear.restAtTarget (length);
-        band.thresholdDb.restAtTarget (length);
-        band.thresholdLinear.restAtTarget (length);
-    }
-
-    for (auto* smoother : { &masterGainDb, &bypass, &inLevelDb, &outLevelDb })
-        smoother->restAtTarget (length);
-
-    for (auto* smoother : { &masterGainLinear, &inLevelLinear, &outLevelLinear })
-        smoother->restAtTarget (length);
 }

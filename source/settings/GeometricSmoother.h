@@ -55,12 +55,18 @@ struct GeometricSmoother
         remaining = 0;
     }
 
+    void follow (const GeometricSmoother& other, bool exactly) noexcept
+    {
+        if (exactly)
+            *this = other;
+        else
+            setTarget (other.target);
+    }
+
     template <typename Sample>
     void fill (Sample* destination, int n) noexcept
     {
-        const auto stepsLeft = remaining;
-        const auto aimedAt = target;
-        const auto ramped = std::min (static_cast<int> (stepsLeft), n);
+        const auto ramped = std::min (static_cast<int> (remaining), n);
         auto value = current;
 
         for (int i = 0; i < ramped; ++i)
@@ -70,13 +76,7 @@ struct GeometricSmoother
         }
 
         current = value;
-
-        // Read anew from memory: a control on another thread may have set it since.
-        if (*const_cast<const volatile double*> (&target) == aimedAt)
-            remaining = static_cast<std::uint16_t> (stepsLeft - ramped);
-        else
-            startRamp();
-
+        remaining = static_cast<std::uint16_t> (remaining - ramped);
         std::fill (destination + ramped, destination + std::max (n, ramped), static_cast<Sample> (value));
     }
 };

@@ -7,12 +7,13 @@
 
 /** A value that moves to its target in equal steps.
 
-    Controls set targets; the audio path alone advances. A ramp's end is not snapped to the target: `current` keeps
-    the sum of its steps, which may differ from `target` by rounding (about 1e-13 for a ramp from 1 to 0).
+    A ramp belongs to one thread at a time: the audio path advances its own, and what controls ask for reaches it whole,
+    at the start of a block. A ramp's end is not snapped to the target: `current` keeps the sum of its steps, which may
+    differ from `target` by rounding (about 1e-13 for a ramp from 1 to 0).
 
     Rate     one step a sample of the rate that the owner prepared it for; a whole ramp is 100 ms, kept in 16 bits,
              so the length wraps at rates of 655360 Hz and above.
-    Threads  setTarget on any; fill and advance on audio; restAtTarget when stopped.
+    Threads  the owner's.
 */
 struct LinearSmoother
 {
@@ -58,14 +59,20 @@ struct LinearSmoother
         remaining = 0;
     }
 
-    /** The next n values, one a sample: the ramp while it lasts, then its last value. A control may set a target while
-        this runs; its ramp then starts behind these values, for what is written here would undo it. */
+    /** Takes another ramp's state: exactly, or its target alone, for a ramp of one's own from where this one stands. */
+    void follow (const LinearSmoother& other, bool exactly) noexcept
+    {
+        if (exactly)
+            *this = other;
+        else
+            setTarget (other.target);
+    }
+
+    /** The next n values, one a sample: the ramp while it lasts, then its last value. */
     template <typename Sample>
     void fill (Sample* destination, int n) noexcept
     {
-        const auto stepsLeft = remaining;
-        const auto aimedAt = target;
-        const auto ramped = std::min (static_cast<int> (stepsLeft), n);
+        const auto ramped = std::min (static_cast<int> (remaining), n);
         auto value = current;
 
         for (int i = 0; i < ramped; ++i)
@@ -75,13 +82,7 @@ struct LinearSmoother
         }
 
         current = value;
-
-        // Read anew from memory: a control on another thread may have set it since.
-        if (*const_cast<const volatile double*> (&target) == aimedAt)
-            remaining = static_cast<std::uint16_t> (stepsLeft - ramped);
-        else
-            startRamp();
-
+        remaining = static_cast<std::uint16_t> (remaining - ramped);
         std::fill (destination + ramped, destination + std::max (n, ramped), static_cast<Sample> (value));
     }
 };

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "EditorFixture.h"
+#include "support/Followed.h"
 
 #include <cmath>
 
@@ -187,7 +188,6 @@ TEST_F (Toolbar, ShowsTheSlotAndOneCopyKey)
 TEST_F (Toolbar, ShowsTheTrimsTargetsSilently)
 {
     settings().inLevelDb.target = 3.5;
-    settings().inLevelDb.current = -9.0;
     settings().outLevelDb.target = -7.2;
     toolbar().refresh();
     EXPECT_NEAR (3.5, toolbar().inLevelSlider.getValue(), 1.0e-9);
@@ -281,8 +281,8 @@ TEST_F (Toolbar, ASlotKeyMakesItsSlotAudibleAndTellsTheHost)
 
     Mouse::click (toolbar().bButton);
     EXPECT_EQ (1, processor.activeSlot);
-    EXPECT_EQ (1.0f, valueOf (5));              // parameters show the other record
-    EXPECT_EQ (0.25, processor.mixRamp.target); // which is applied
+    EXPECT_EQ (1.0f, valueOf (5));                         // parameters show the other record
+    EXPECT_EQ (0.25, followed (processor).mixRamp.target); // which is applied
     EXPECT_EQ ((Words { "changed" }), host.words);
     EXPECT_TRUE (toolbar().bButton.getToggleState()); // and shown at once
     EXPECT_FALSE (toolbar().aButton.getToggleState());
@@ -292,7 +292,7 @@ TEST_F (Toolbar, ASlotKeyMakesItsSlotAudibleAndTellsTheHost)
     Mouse::click (toolbar().aButton);
     EXPECT_EQ (0, processor.activeSlot);
     EXPECT_EQ (0.5f, valueOf (5));
-    EXPECT_EQ (1.0, processor.mixRamp.target);
+    EXPECT_EQ (1.0, followed (processor).mixRamp.target);
     EXPECT_EQ ((Words { "changed" }), host.words);
     EXPECT_TRUE (toolbar().aButton.getToggleState());
 }
@@ -317,7 +317,7 @@ TEST_F (Toolbar, TheCopyKeyCopiesToTheOtherSlotAndStays)
         here.mix = slot == 0 ? 0.75 : 0.375;
         here.calibrationGain = 8.0;
         there.calibrationGain = 12.0;
-        const auto appliedMix = processor.mixRamp.target;
+        const auto appliedMix = followed (processor).mixRamp.target;
         host.clear();
 
         auto* key = toolbar().getComponentAt (24 + 12, 12);
@@ -329,7 +329,7 @@ TEST_F (Toolbar, TheCopyKeyCopiesToTheOtherSlotAndStays)
         EXPECT_EQ (here.mix, there.mix);
         EXPECT_EQ (8.0, here.calibrationGain);
         EXPECT_EQ (12.0, there.calibrationGain); // each slot keeps its own
-        EXPECT_EQ (appliedMix, processor.mixRamp.target);
+        EXPECT_EQ (appliedMix, followed (processor).mixRamp.target);
         EXPECT_TRUE (host.words.empty());
     }
 }

@@ -50,7 +50,6 @@ inline void setDefaults (CorvaneQ7AudioProcessor& processor)
     for (int i = 0; i < processor.getNumParameters(); ++i)
         processor.setParameter (i, processor.getParameterDefaultValue (i));
 
-    processor.activeSettings().linkGuard = false;
     processor.setCalibration (22.0);
     processor.setOversampling (1);
     processor.uiZoom = 1.0f;
@@ -133,7 +132,6 @@ inline bool cannotBeASession (const std::uint8_t* data, std::size_t size)
 /** Rules of the record that no session may break. */
 inline void checkRecord (const ChannelSettings& record)
 {
-    require (! record.linkGuard);
     require (record.mix >= 0.0 && record.mix <= 1.0);
     require (record.bypass.target == 0.0 || record.bypass.target == 1.0);
 
@@ -146,7 +144,7 @@ inline void checkRecord (const ChannelSettings& record)
         require (std::fmod (band.thresholdDb.target, 2.0) == 0.0);
     }
 
-    for (const auto value : { record.hpfHz, record.lowXOverHz, record.highXOverHz, record.masterGainDb.target,
+    for (const double value : { record.hpfHz, record.lowXOverHz, record.highXOverHz, record.masterGainDb.target,
                               record.masterGainLinear.target, record.inLevelDb.target, record.inLevelLinear.target,
                               record.outLevelDb.target, record.outLevelLinear.target, record.calibrationGain })
         require (! std::isnan (value));

@@ -281,7 +281,7 @@ inline std::vector<double> fieldsOf (const ChannelSettings& record)
 }
 
 /** The linear form beside a decibel control; null for every other control. */
-inline const GeometricSmoother* linearOf (const ChannelSettings& record, int index)
+inline const Setpoint* linearOf (const ChannelSettings& record, int index)
 {
     switch (index)
     {

@@ -2,6 +2,7 @@
 #include "parameters/UserDefaults.h"
 
 #include "processor/CorvaneQ7AudioProcessor.h"
+#include "support/Followed.h"
 
 #include <gtest/gtest.h>
 
@@ -93,6 +94,6 @@ TEST (UserDefaults, ACalibrationReachesTheBands)
     CorvaneQ7AudioProcessor processor;
     processor.setCalibration (18.0);
 
-    for (const auto& group : processor.bandGroups)
+    for (const auto& group : followed (processor).bandGroups)
         EXPECT_EQ (UserDefaults::calibrationGainFor (18.0), group.compressor.calibrationGain);
 }

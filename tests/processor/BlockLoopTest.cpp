@@ -29,7 +29,7 @@ void takeBandsOut (ChannelSettings& settings)
         band.in = false;
 }
 
-void setAtRest (LinearSmoother& db, GeometricSmoother& gain, double value)
+void setAtRest (Setpoint& db, Setpoint& gain, double value)
 {
     ChannelSettings::setDecibels (db, gain, value); // before the engine is built: it lands there
 }
@@ -134,12 +134,12 @@ TEST_P (BlockLoop, MovingControlsFollowTheirRamps)
 
 TEST_P (BlockLoop, ARampThatEndsWithinTheBlockHoldsItsLastValue)
 {
+    constexpr double slowRate = 1000.0; // where a ramp is shorter than the block
     constexpr int stepsLeft = 100;
-    ProcessorHarness harness (channels, rate, n, factor, [this] (ChannelSettings& settings) { configure (settings); });
-    ReferenceChain reference (harness->activeSettings(), channels, rate, factor, n);
+    ProcessorHarness harness (channels, slowRate, n, factor, [this] (ChannelSettings& s) { configure (s); });
+    ReferenceChain reference (harness->activeSettings(), channels, slowRate, factor, n);
 
     auto& settings = harness->activeSettings();
-    settings.inLevelLinear.length = harness->mixRamp.length = stepsLeft;
     ChannelSettings::setDecibels (settings.inLevelDb, settings.inLevelLinear, -9.0);
     settings.mix = 0.6;
     harness->applySettings();
@@ -150,7 +150,7 @@ TEST_P (BlockLoop, ARampThatEndsWithinTheBlockHoldsItsLastValue)
     expectEqual (harness, reference);
 
     EXPECT_EQ (0, harness->mixRamp.remaining);
-    EXPECT_EQ (0, settings.inLevelLinear.remaining);
+    EXPECT_EQ (0, harness->levels[0].in.remaining);
 }
 
 INSTANTIATE_TEST_SUITE_P (ChannelsFactorsNuke, BlockLoop,

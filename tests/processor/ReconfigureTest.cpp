@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // What a rebuild of the engine leaves behind, and how a new oversampling factor comes to one.
 #include "processor/CorvaneQ7AudioProcessor.h"
+#include "support/Followed.h"
 #include "support/Matchers.h"
 #include "support/ProcessorHarness.h"
 #include "support/Signals.h"
@@ -13,16 +14,6 @@
 
 namespace
 {
-std::vector<ChannelSettings*> allRecords (CorvaneQ7AudioProcessor& processor)
-{
-    std::vector<ChannelSettings*> records { &processor.settingsSlots[0], &processor.settingsSlots[1] };
-
-    for (auto& program : processor.programs)
-        records.push_back (&program);
-
-    return records;
-}
-
 template <typename Smoother>
 void expectLanded (int length, const Smoother& smoother)
 {
@@ -31,21 +22,10 @@ void expectLanded (int length, const Smoother& smoother)
     EXPECT_EQ (smoother.target, smoother.current);
 }
 
-void expectRecordLanded (int length, const ChannelSettings& record)
+void expectLevelsLanded (int length, const LevelRamps& levels)
 {
-    for (const auto& band : record.bands)
-    {
-        expectLanded (length, band.gainDb);
-        expectLanded (length, band.gainLinear);
-        expectLanded (length, band.thresholdDb);
-        expectLanded (length, band.thresholdLinear);
-    }
-
-    for (const auto* smoother : { &record.masterGainDb, &record.bypass, &record.inLevelDb, &record.outLevelDb })
-        expectLanded (length, *smoother);
-
-    for (const auto* smoother : { &record.masterGainLinear, &record.inLevelLinear, &record.outLevelLinear })
-        expectLanded (length, *smoother);
+    for (const auto* ramp : { &levels.in, &levels.out, &levels.master })
+        expectLanded (length, *ramp);
 }
 
 void expectSize (int channels, int samples, const juce::AudioBuffer<float>& buffer)
@@ -54,7 +34,7 @@ void expectSize (int channels, int samples, const juce::AudioBuffer<float>& buff
     EXPECT_EQ (samples, buffer.getNumSamples());
 }
 
-/** Sets every smoother of a record under way. */
+/** Moves every decibel control of a record. */
 void moveAll (ChannelSettings& record)
 {
     for (auto& band : record.bands)
@@ -93,13 +73,13 @@ TEST (Reconfigure, SizesTheBuffersForBlockChannelsAndFactor)
 TEST (Reconfigure, TellsTheRatesToWhatRunsAtThem)
 {
     ProcessorHarness harness (2, 48000.0, 64, 4);
-    const auto& processor = *harness.processor;
+    auto& processor = *harness.processor;
     constexpr double internalRate = 192000.0;
 
-    EXPECT_EQ (internalRate, processor.lowSplit.rate);
-    EXPECT_EQ (internalRate, processor.highSplit.rate);
+    EXPECT_EQ (internalRate, followed (processor).lowSplit.rate);
+    EXPECT_EQ (internalRate, followed (processor).highSplit.rate);
 
-    for (const auto& group : processor.bandGroups)
+    for (const auto& group : followed (processor).bandGroups)
     {
         EXPECT_TRUE (group.compressor.isReady());
         EXPECT_EQ (internalRate, group.compressor.rate);
@@ -141,28 +121,28 @@ TEST (Reconfigure, RampsAreATenthOfASecondOfTheHostsRate)
             ProcessorHarness harness (1, rate, 32, factor);
             EXPECT_EQ (length, harness->mixRamp.length);
 
-            for (const auto* record : allRecords (*harness.processor))
-                expectRecordLanded (length, *record);
+            for (const auto& levels : harness->levels)
+                expectLevelsLanded (length, levels);
         }
 }
 
-TEST (Reconfigure, FinishesEveryRampOfEveryRecord)
+TEST (Reconfigure, FinishesTheRampsOfBothSlots)
 {
     ProcessorHarness harness (2, 44100.0, 64);
 
-    for (auto* record : allRecords (*harness.processor))
-        moveAll (*record);
+    for (auto& slot : harness->settingsSlots)
+        moveAll (slot);
 
     harness->activeSettings().bypass.setTarget (1.0);
     harness->applySettings();
     ASSERT_NE (0, harness->mixRamp.remaining);
     harness->reconfigure (44100.0);
 
-    for (const auto* record : allRecords (*harness.processor))
+    for (const auto& levels : harness->levels)
     {
-        expectRecordLanded (4410, *record);
-        EXPECT_EQ (9.0, record->bands[2].gainDb.current);
-        EXPECT_EQ (-8.0, record->inLevelDb.current);
+        expectLevelsLanded (4410, levels);
+        EXPECT_EQ (std::pow (10.0, -8.0 * 0.05), levels.in.current);
+        EXPECT_EQ (std::pow (10.0, 7.0 * 0.05), levels.master.current);
     }
 
     expectLanded (4410, harness->mixRamp);
@@ -305,11 +285,12 @@ TEST (Reconfigure, PreparingTwiceRebuildsAllTheSame)
 {
     ProcessorHarness harness (2, 44100.0, 64, 2);
     harness->activeSettings().inLevelLinear.setTarget (2.0);
-    harness->activeSettings().inLevelLinear.remaining = 17;
+    harness->applySettings();
+    ASSERT_NE (0, harness->levels[0].in.remaining);
     harness->meterDecay = 0.5;
     harness->prepareToPlay (44100.0, 64);
 
-    EXPECT_EQ (0, harness->activeSettings().inLevelLinear.remaining);
+    EXPECT_EQ (0, harness->levels[0].in.remaining);
     EXPECT_DOUBLE_EQ (std::exp ((1.0 / 88200.0) / -1.2), harness->meterDecay);
 }
 
@@ -624,11 +605,11 @@ TEST (ApplySettings, ReadsTheActiveSlot)
     CorvaneQ7AudioProcessor processor;
     processor.settingsSlots[1].mix = 0.2;
     processor.applySettings();
-    EXPECT_EQ (1.0, processor.mixRamp.target);
+    EXPECT_EQ (1.0, followed (processor).mixRamp.target);
 
     processor.activeSlot = 1;
     processor.applySettings();
-    EXPECT_EQ (0.2, processor.mixRamp.target);
+    EXPECT_EQ (0.2, followed (processor).mixRamp.target);
 }
 
 // ---- an untouched instance -------------------------------------------------------------------
@@ -641,14 +622,14 @@ TEST (UntouchedInstance, FadesAndGlidesForTheFirstHundredMilliseconds)
     processor.setRateAndBufferSizeDetails (44100.0, 441);
     processor.prepareToPlay (44100.0, 441);
 
-    EXPECT_EQ (0.0, processor.mixRamp.current);
-    EXPECT_EQ (1.0, processor.mixRamp.target);
-    EXPECT_EQ (4410, processor.mixRamp.remaining);
+    EXPECT_EQ (0.0, followed (processor).mixRamp.current);
+    EXPECT_EQ (1.0, followed (processor).mixRamp.target);
+    EXPECT_EQ (4410, followed (processor).mixRamp.remaining);
 
-    for (const auto* filter : { &processor.lowSplit, &processor.highSplit })
+    for (const auto* filter : { &followed (processor).lowSplit, &followed (processor).highSplit })
         EXPECT_EQ (4410, filter->smoothers[2].remaining) << "the pole moves with the corner in both";
 
-    for (const auto& group : processor.bandGroups)
+    for (const auto& group : followed (processor).bandGroups)
         EXPECT_EQ (4410, group.compressor.driveRamp.remaining);
 
     // A wet share of next to nothing: the first block is the input, hardly touched.
@@ -661,9 +642,9 @@ TEST (UntouchedInstance, FadesAndGlidesForTheFirstHundredMilliseconds)
     for (int block = 1; block < 10; ++block)
         processor.processBlock (buffer, midi);
 
-    EXPECT_EQ (0, processor.mixRamp.remaining);
-    EXPECT_EQ (0, processor.lowSplit.smoothers[2].remaining);
-    EXPECT_EQ (0, processor.bandGroups[0].compressor.driveRamp.remaining);
+    EXPECT_EQ (0, followed (processor).mixRamp.remaining);
+    EXPECT_EQ (0, followed (processor).lowSplit.smoothers[2].remaining);
+    EXPECT_EQ (0, followed (processor).bandGroups[0].compressor.driveRamp.remaining);
 }
 
 TEST (UntouchedInstance, OneProgramBeforeThePrepareLandsEverything)
@@ -673,14 +654,14 @@ TEST (UntouchedInstance, OneProgramBeforeThePrepareLandsEverything)
     processor.setRateAndBufferSizeDetails (44100.0, 441);
     processor.prepareToPlay (44100.0, 441);
 
-    EXPECT_EQ (1.0, processor.mixRamp.current);
-    EXPECT_EQ (0, processor.mixRamp.remaining);
+    EXPECT_EQ (1.0, followed (processor).mixRamp.current);
+    EXPECT_EQ (0, followed (processor).mixRamp.remaining);
 
-    for (const auto* filter : { &processor.lowSplit, &processor.highSplit })
+    for (const auto* filter : { &followed (processor).lowSplit, &followed (processor).highSplit })
         for (const auto& smoother : filter->smoothers)
             EXPECT_EQ (0, smoother.remaining);
 
-    for (const auto& group : processor.bandGroups)
+    for (const auto& group : followed (processor).bandGroups)
         EXPECT_EQ (0, group.compressor.driveRamp.remaining);
 }
 

@@ -29,7 +29,14 @@ struct ProcessorHarness
         processor->prepareToPlay (rate, maxBlock);
     }
 
-    CorvaneQ7AudioProcessor* operator->() noexcept { return processor.get(); }
+    /** As the next block would find it: what was set is followed first. */
+    CorvaneQ7AudioProcessor* operator->() noexcept
+    {
+        if (processor->maxBlockSize > 0)
+            processor->followSettings();
+
+        return processor.get();
+    }
 
     /** One block, in place. */
     void block (juce::AudioBuffer<float>& buffer) { processor->processBlock (buffer, midi); }

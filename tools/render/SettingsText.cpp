@@ -70,7 +70,7 @@ std::string calibrationText (const CorvaneQ7AudioProcessor& processor)
 std::string factorText (const CorvaneQ7AudioProcessor& processor)
 {
     // What a state asks for beyond the ends is built as the ends.
-    return std::to_string (juce::jlimit (1, UserDefaults::maxOversampling, processor.oversamplingRequested));
+    return std::to_string (juce::jlimit (1, UserDefaults::maxOversampling, processor.oversamplingRequested.load()));
 }
 
 std::string zoomText (const CorvaneQ7AudioProcessor& processor)
