@@ -201,6 +201,9 @@ private:
     void processBands (int numSamples, int numChannels, ChannelSettings& settings) noexcept;
     void sumBandsIntoTransformer (float* const* channels, int numSamples, int numChannels, bool nuke) noexcept;
 
+    /** Circuit units to multiples of +4 dBu: 0.7746 V * 10^(4/20). */
+    static constexpr double levelScale = 1.2276582668803786;
+
     double tap (std::vector<RmsFollower>& followers, double levelPeak, float* const* channels, int numSamples,
                 int numChannels) const noexcept;
     void updateMetersIdle (int numSamples) noexcept;

@@ -219,6 +219,41 @@ void CorvaneQ7AudioProcessor::splitBands (float* const* channels, int numSamples
         VectorOps::subtractFrom (high[c], mid[c], mid[c], numSamples);
 }
 
+void CorvaneQ7AudioProcessor::processBands (int numSamples, int numChannels, ChannelSettings& settings) noexcept
+{
+    juce::AudioBuffer<float>* const buffers[numBands] { &lowBuffer, &midBuffer, &highBuffer };
+
+    for (int b = 0; b < numBands; ++b)
+    {
+        auto& group = bandGroups[b];
+        auto* const* channels = buffers[b]->getArrayOfWritePointers();
+        const auto meter = settings.bands[b].meter;
+
+        if (meter == ChannelSettings::meterIn)
+        {
+            group.inputPeak = tap (group.inputFollowers, group.inputPeak, channels, numSamples, numChannels);
+            settings.level (b) = group.inputPeak * levelScale;
+        }
+        else
+        {
+            group.inputPeak = 0.0;
+        }
+
+        group.compressor.process (channels, numSamples);
+        settings.gainReduction (b) = group.compressor.meterValue();
+
+        if (meter == ChannelSettings::meterOut)
+        {
+            group.outputPeak = tap (group.outputFollowers, group.outputPeak, channels, numSamples, numChannels);
+            settings.level (b) = group.outputPeak * levelScale;
+        }
+        else
+        {
+            group.outputPeak = 0.0;
+        }
+    }
+}
+
 void CorvaneQ7AudioProcessor::sumBandsIntoTransformer (float* const* channels, int numSamples, int numChannels,
                                                        bool nuke) noexcept
 {

@@ -5,12 +5,6 @@
 
 #include <algorithm>
 
-namespace
-{
-/** Circuit units to multiples of +4 dBu: 0.7746 V * 10^(4/20). */
-constexpr double levelScale = 1.2276582668803786;
-} // namespace
-
 double CorvaneQ7AudioProcessor::tap (std::vector<RmsFollower>& followers, double levelPeak, float* const* channels,
                                      int numSamples, int numChannels) const noexcept
 {
@@ -27,41 +21,6 @@ double CorvaneQ7AudioProcessor::tap (std::vector<RmsFollower>& followers, double
     }
 
     return levelPeak;
-}
-
-void CorvaneQ7AudioProcessor::processBands (int numSamples, int numChannels, ChannelSettings& settings) noexcept
-{
-    juce::AudioBuffer<float>* const buffers[numBands] { &lowBuffer, &midBuffer, &highBuffer };
-
-    for (int b = 0; b < numBands; ++b)
-    {
-        auto& group = bandGroups[b];
-        auto* const* channels = buffers[b]->getArrayOfWritePointers();
-        const auto meter = settings.bands[b].meter;
-
-        if (meter == ChannelSettings::meterIn)
-        {
-            group.inputPeak = tap (group.inputFollowers, group.inputPeak, channels, numSamples, numChannels);
-            settings.level (b) = group.inputPeak * levelScale;
-        }
-        else
-        {
-            group.inputPeak = 0.0;
-        }
-
-        group.compressor.process (channels, numSamples);
-        settings.gainReduction (b) = group.compressor.meterValue();
-
-        if (meter == ChannelSettings::meterOut)
-        {
-            group.outputPeak = tap (group.outputFollowers, group.outputPeak, channels, numSamples, numChannels);
-            settings.level (b) = group.outputPeak * levelScale;
-        }
-        else
-        {
-            group.outputPeak = 0.0;
-        }
-    }
 }
 
 void CorvaneQ7AudioProcessor::updateMetersIdle (int numSamples) noexcept
