@@ -7,4 +7,4 @@ cd "$(dirname "$0")/.."
 cmake --preset tsan
 cmake --build --preset tsan --target corvane_tests
 TSAN_OPTIONS="halt_on_error=0 exitcode=66" build/tsan/tests/corvane_tests \
-    --gtest_filter='Threads*:HandOver*:LatestValue*:ChannelSettings*Threads*:Link*Thread*:UserDefaultsThreads*'
+    --gtest_filter='Threads*:HandOver*:LatestValue*:ChannelSettings*Threads*:*Link*Thread*:UserDefaultsThreads*'
