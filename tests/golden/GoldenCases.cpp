@@ -11,6 +11,7 @@ namespace
 {
 constexpr int factors[] = { 1, 2, 3, 4, 8, 16 };
 constexpr int wideAndBright = 11; // the one program that works in mid/side
+constexpr int numAutomated = 38;  // the controls of version 1.0.0: one that is added leaves the stored rows as they are
 
 using Processor = CorvaneQ7AudioProcessor;
 
@@ -123,7 +124,7 @@ private:
                 {
                     std::mt19937 random (0xa070u + static_cast<std::uint32_t> (frame));
 
-                    for (int index = 0; index < ParameterTable::numParameters; ++index)
+                    for (int index = 0; index < numAutomated; ++index)
                     {
                         const auto x = static_cast<float> (random() >> 8) * 0x1p-24f;
                         const auto isMidSide = index < 27 && index % 9 == 3;
@@ -302,7 +303,7 @@ private:
         {
             std::mt19937 random (0x51deu + static_cast<std::uint32_t> (frame));
 
-            for (int index = 0; index < ParameterTable::numParameters; ++index)
+            for (int index = 0; index < numAutomated; ++index)
                 processor.setParameter (index, static_cast<float> (random() >> 8) * 0x1p-24f);
         };
         add ("mid-side-automation", "every control automated in every block, Mid Side too", automated);
