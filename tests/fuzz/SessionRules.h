@@ -145,8 +145,8 @@ inline void checkRecord (const ChannelSettings& record)
     }
 
     for (const double value : { record.hpfHz, record.lowXOverHz, record.highXOverHz, record.masterGainDb.target,
-                              record.masterGainLinear.target, record.inLevelDb.target, record.inLevelLinear.target,
-                              record.outLevelDb.target, record.outLevelLinear.target, record.calibrationGain })
+                                record.masterGainLinear.target, record.inLevelDb.target, record.inLevelLinear.target,
+                                record.outLevelDb.target, record.outLevelLinear.target, record.calibrationGain })
         require (! std::isnan (value));
 }
 

@@ -108,7 +108,7 @@ TEST_F (SlotChoice, MetersStayWithTheirSlot)
 
     for (const auto* slot : { &a, &b })
         for (const double meter : { slot->lowLevel, slot->lowGainReduction, slot->midLevel, slot->midGainReduction,
-                                  slot->highLevel, slot->highGainReduction })
+                                    slot->highLevel, slot->highGainReduction })
             EXPECT_EQ (value += 0.0625, meter);
 }
 
