@@ -60,6 +60,34 @@ TEST_F (Accessibility, EveryControlHasANameOfItsOwn)
     }
 }
 
+TEST_F (Accessibility, NamesAreThoseThatHostsShowAndPeopleSay)
+{
+    for (const auto& [index, controls] : panel().controlsOfParameter)
+    {
+        const auto name = processor.getParameters()[index]->getName (64);
+        EXPECT_EQ (name.replace ("XOverParameter", "Crossover"), controls.front()->getTitle());
+    }
+
+    const std::pair<const juce::Component*, const char*> others[] { { panel().lowXOver.get(), "Low Crossover" },
+                                                                    { panel().highXOver.get(), "High Crossover" },
+                                                                    { band (0).meter.get(), "Low Meter Reading" },
+                                                                    { band (1).midLamp.get(), "Mid Mid Only" },
+                                                                    { band (2).sideLamp.get(), "High Side Only" },
+                                                                    { &toolbar().settingsButton, "Settings" },
+                                                                    { &toolbar().aButton, "Slot A" },
+                                                                    { &toolbar().bButton, "Slot B" },
+                                                                    { &toolbar().copyAtoBButton, "Copy A to B" },
+                                                                    { &toolbar().copyBtoAButton, "Copy B to A" },
+                                                                    { &toolbar().inLevelSlider, "In Level" },
+                                                                    { &toolbar().outLevelSlider, "Out Level" },
+                                                                    { editor->bar->logoButton.get(), "Harbor Guild" },
+                                                                    { editor->bar->menuButton.get(),
+                                                                      "Manual and links" } };
+
+    for (const auto& [component, name] : others)
+        EXPECT_EQ (juce::String (name), component->getTitle());
+}
+
 TEST_F (Accessibility, EveryControlSaysItsValueInTheHostsWords)
 {
     for (const auto value : { 0.0f, 1.0f, 0.5f, 0.25f })
@@ -225,6 +253,25 @@ TEST_F (Accessibility, PressesOfThePictureKeysDoWhatTheirClicksDo)
     editor->bar->openAddress = [&opened] (const juce::String& address) { opened = address; };
     press (*editor->bar->logoButton);
     EXPECT_EQ (juce::String (ProductLinks::distributorHome), opened);
+}
+
+TEST_F (Accessibility, WhatAControlBesideItSaysIsNotSaidTwice)
+{
+    std::set<juce::Component*> silent { panel().bypassLamp.get(), panel().nukeLamp.get(), panel().niveauLamp.get(),
+                                        panel().linkLamp.get() };
+
+    for (auto& each : panel().bands)
+        silent.insert ({ each.inLamp.get(), each.soloLamp.get() });
+
+    for (auto* child : panel().getChildren())
+    {
+        const auto isText = dynamic_cast<juce::Label*> (child) != nullptr;
+        EXPECT_EQ (! isText && silent.count (child) == 0, child->isAccessible())
+            << child->getTitle() << " at " << child->getBounds().toString();
+    }
+
+    EXPECT_FALSE (toolbar().inLabel.isAccessible());
+    EXPECT_FALSE (toolbar().outLabel.isAccessible());
 }
 
 TEST_F (Accessibility, TheAboutBoxIsADialogThatAPressCloses)

@@ -219,6 +219,16 @@ TEST_F (MainUIActions, ADragClosesWhatItOpenedThoughLinkIsSwitchedMeanwhile)
     EXPECT_EQ ((Words { "begin 4", "end 4" }), host.gestures());
 }
 
+TEST_F (MainUIActions, ADragThatNobodyEndedEndsBeforeTheNext)
+{
+    panel().sliderDragStarted (panel().mix.get());
+    panel().sliderDragStarted (panel().mix.get());
+    EXPECT_EQ ((Words { "begin 27", "end 27", "begin 27" }), host.words);
+    panel().sliderDragEnded (panel().mix.get());
+    panel().sliderDragEnded (panel().mix.get());
+    EXPECT_EQ ((Words { "begin 27", "end 27", "begin 27", "end 27" }), host.words);
+}
+
 TEST_F (MainUIActions, WithLinkOffNoSiblingHasAGesture)
 {
     for (const auto& [knob, travel, parameter] : knobsOf (panel()))
@@ -330,6 +340,7 @@ TEST_F (MainUIActions, TheMidSideKeyCyclesThroughThreeValues)
             Mouse::click (*band (i).midSideButton);
             EXPECT_EQ (expected, valueOf (index));
             EXPECT_EQ (gesture (index), host.words);
+            EXPECT_EQ (expected, host.values.front().second); // no other that snaps to it
         }
     }
 }
@@ -352,7 +363,8 @@ TEST_F (MainUIActions, TheMidLampChoosesMidOrNeither)
             Mouse::click (lamp);
             EXPECT_EQ (after, valueOf (index)) << before;
             EXPECT_EQ (gesture (index), host.words);
-            EXPECT_EQ (! lit, lamp.getToggleState()); // at once, before any tick
+            EXPECT_EQ (after, host.values.front().second) << before; // no other that snaps to it
+            EXPECT_EQ (! lit, lamp.getToggleState());                // at once, before any tick
 
             panel().refresh();
             EXPECT_EQ (after == 0.0f, lamp.getToggleState());
@@ -378,6 +390,7 @@ TEST_F (MainUIActions, TheSideLampChoosesSideOrNeither)
             Mouse::click (lamp);
             EXPECT_EQ (after, valueOf (index)) << before;
             EXPECT_EQ (gesture (index), host.words);
+            EXPECT_EQ (after, host.values.front().second) << before; // no other that snaps to it
             EXPECT_EQ (! lit, lamp.getToggleState());
 
             panel().refresh();

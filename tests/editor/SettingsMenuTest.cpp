@@ -226,6 +226,8 @@ TEST_F (SettingsMenu, TheCalibrationsTitleWritesAMinusOfItsOwn)
     EXPECT_EQ (juce::String ("Calibration (+4 dBu at --4dBFS)"), at (0.0));
     EXPECT_EQ (juce::String ("Calibration (+4 dBu at --104dBFS)"), at (-250.0)); // the logarithm ends at -100
 
+    gain = 1.0e100; // no session can hold more than a number to count with
+    EXPECT_EQ (juce::String ("Calibration (+4 dBu at -996dBFS)"), title (calibration));
     gain = 0.0;
     EXPECT_EQ (juce::String ("Calibration (+4 dBu at --104dBFS)"), title (calibration));
     gain = -3.0;

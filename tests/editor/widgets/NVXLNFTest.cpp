@@ -130,6 +130,15 @@ TYPED_TEST (MenuLook, DrawsALightSheetWithSeeThroughCorners)
     EXPECT_LT (image.getPixelAt (2, 0).getAlpha(), 200);
 }
 
+TYPED_TEST (MenuLook, LetsThroughWhatLiesBehindAMenusCorners)
+{
+    TypeParam look;
+    juce::Component menu;
+    menu.setOpaque (true);
+    look.preparePopupMenuWindow (menu);
+    EXPECT_FALSE (menu.isOpaque());
+}
+
 TYPED_TEST (MenuLook, SeparatorsAreTheFrameworks)
 {
     const RowState separator { true };
@@ -217,9 +226,37 @@ TYPED_TEST (MenuLook, TheTickLiesInItsField)
         EXPECT_TRUE (area.getWidth() >= field.getWidth() - 2 || area.getHeight() >= field.getHeight() - 2);
     }
 
-    // A field that would be smaller than a pixel is none.
+    // One of a pixel is still one, and one that would be smaller is none.
+    EXPECT_FALSE (drawnArea (paintedRow<TypeParam> (row, { 0, 0, 200, 9 })).isEmpty());
+    EXPECT_FALSE (drawnArea (paintedRow<TypeParam> (row, { 0, 0, 9, 24 })).isEmpty());
+
     for (const auto height : { 8, 5, 1 })
         EXPECT_TRUE (drawnArea (paintedRow<TypeParam> (row, { 0, 0, 200, height })).isEmpty()) << height;
+}
+
+TYPED_TEST (MenuLook, TheTickIsTheFrameworksFittedIntoItsField)
+{
+    TypeParam look;
+    RowState row;
+    row.isTicked = true;
+
+    for (const auto& place : { juce::Point<int> { 0, 0 }, { 11, 17 } })
+    {
+        juce::Image expected (juce::Image::ARGB, 220, 60, true);
+        {
+            // The row's margin of a pixel, and three within that.
+            const auto field = juce::Rectangle<int> (4, 4, 27 - 6, 22 - 6) + place;
+            const auto tick = look.getTickShape (1.0f);
+            juce::Graphics g (expected);
+            g.setColour (look.findColour (juce::PopupMenu::textColourId));
+            g.fillPath (tick, tick.getTransformToScaleToFit (field.toFloat(), true));
+        }
+        const auto image = paintedRow<TypeParam> (row, juce::Rectangle<int> (200, 24) + place);
+
+        for (int y = 0; y < 60; ++y)
+            for (int x = 0; x < 220; ++x)
+                ASSERT_EQ (expected.getPixelAt (x, y), image.getPixelAt (x, y)) << x << ", " << y;
+    }
 }
 
 TYPED_TEST (MenuLook, AnIconTakesTheTicksPlace)
@@ -251,6 +288,39 @@ TYPED_TEST (MenuLook, TextStandsRightOfTheTicksField)
     const auto tall = area.getHeight();
     const auto low = drawnArea (paintedRow<TypeParam> (row, { 0, 0, 200, 12 })).getHeight();
     EXPECT_NEAR (12.0 / 1.3 / 17.0, static_cast<double> (low) / tall, 0.15);
+}
+
+TYPED_TEST (MenuLook, AShortcutStandsSmallerAtTheRight)
+{
+    if (juce::Font::findAllTypefaceNames().isEmpty())
+        GTEST_SKIP() << "without any font on the machine no text is drawn";
+
+    TypeParam look;
+    const auto font = look.getPopupMenuFont();
+    ASSERT_LT (font.getHeight(), 24.0f / 1.3f); // the row is high enough for it
+
+    for (const auto* shortcut : { "Ctrl+Q", "a shortcut with many more words than there is room for in a row" })
+    {
+        juce::Image expected (juce::Image::ARGB, 220, 60, true), image (juce::Image::ARGB, 220, 60, true);
+        {
+            juce::Graphics g (expected);
+            g.setColour (look.findColour (juce::PopupMenu::textColourId));
+            g.setFont (font.withHeight (font.getHeight() * 0.75f).withHorizontalScale (0.95f));
+            // Right of the tick's field, and 3 px off the row's end.
+            g.drawText (shortcut, juce::Rectangle<int> (1, 1, 198, 22).withTrimmedLeft (27).withTrimmedRight (3),
+                        juce::Justification::centredRight, true);
+        }
+        {
+            juce::Graphics g (image);
+            look.drawPopupMenuItem (g, { 0, 0, 200, 24 }, false, true, false, false, false, {}, shortcut, nullptr,
+                                    nullptr);
+        }
+        EXPECT_FALSE (drawnArea (image).isEmpty());
+
+        for (int y = 0; y < 60; ++y)
+            for (int x = 0; x < 220; ++x)
+                ASSERT_EQ (expected.getPixelAt (x, y), image.getPixelAt (x, y)) << shortcut << ": " << x << ", " << y;
+    }
 }
 
 TYPED_TEST (MenuLook, ColoursOfRows)
@@ -455,6 +525,80 @@ TEST_F (PanelLook, AComboBoxCanBePainted)
     }
 
     box.setLookAndFeel (nullptr);
+}
+
+TEST_F (PanelLook, AComboBoxIsAFrameAndAnArrow)
+{
+    juce::ComboBox box;
+    box.setColour (juce::ComboBox::backgroundColourId, juce::Colours::navy);
+    box.setColour (juce::ComboBox::arrowColourId, juce::Colours::orange);
+
+    for (const auto isDown : { false, true })
+    {
+        juce::Image expected (juce::Image::ARGB, 100, 30, true), image (juce::Image::ARGB, 100, 30, true);
+        {
+            juce::Graphics g (expected);
+            g.fillAll (juce::Colours::navy);
+            g.setColour (juce::Colours::white.withAlpha (isDown ? 0.6f : 0.5f));
+            g.drawRect (0, 0, 100, 30, 1);
+            // 0.4 and 0.24 of the button's height, about its middle.
+            juce::Path arrow;
+            arrow.addTriangle (79.0f, 12.5f, 89.0f, 12.5f, 84.0f, 18.5f);
+            g.setColour (juce::Colours::orange);
+            g.fillPath (arrow);
+        }
+        {
+            juce::Graphics g (image);
+            look.drawComboBox (g, 100, 30, isDown, 70, 3, 28, 25, box);
+        }
+
+        for (int y = 0; y < 30; ++y)
+            for (int x = 0; x < 100; ++x)
+                ASSERT_TRUE (close (expected.getPixelAt (x, y), image.getPixelAt (x, y), 1)) << x << ", " << y;
+    }
+}
+
+namespace
+{
+/** Stands in for an open menu, and counts the looks that it is given. */
+struct OpenMenu : juce::Component
+{
+    OpenMenu (const char* name, juce::LookAndFeel& look) : juce::Component (name)
+    {
+        setLookAndFeel (&look);
+        looksGiven = 0;
+    }
+
+    ~OpenMenu() override { setLookAndFeel (nullptr); }
+
+    void lookAndFeelChanged() override { ++looksGiven; }
+
+    int looksGiven = 0;
+};
+} // namespace
+
+TEST (PanelLooks, AreTakenFromTheMenusThatAreOpenWhenTheirPanelGoes)
+{
+    CorvaneQ7AudioProcessor processor;
+    CorvaneQ7Editor editor (processor);
+    OpenMenu links ("menu", editor.bar->lookAndFeel), settings ("menu", editor.toolbar->lookAndFeel);
+    OpenMenu another ("box", editor.toolbar->lookAndFeel);
+
+    for (auto* child : { &links, &settings, &another })
+    {
+        editor.addAndMakeVisible (child);
+        child->looksGiven = 0;
+    }
+
+    editor.toolbar->lookAndFeel.releaseMenusIn (nullptr);
+    editor.bar.reset();
+    EXPECT_EQ (1, links.looksGiven);
+    EXPECT_EQ (0, settings.looksGiven); // the toolbar is still there
+    EXPECT_EQ (&editor.toolbar->lookAndFeel, &settings.getLookAndFeel());
+
+    editor.toolbar.reset();
+    EXPECT_EQ (1, settings.looksGiven);
+    EXPECT_EQ (0, another.looksGiven); // no menu
 }
 
 TEST (PanelLooks, PanelsHaveTheirOwn)
