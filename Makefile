@@ -2,7 +2,7 @@
 # The everyday commands. All logic stands in CMake or in a script; `make demo` and `make test` are each enough on a
 # bare Debian 12 machine with `make`, since they install the packages that they need.
 
-.PHONY: help demo build test bench golden-check golden-print artwork screenshots fuzz fuzz-bundles tsan install uninstall format clean
+.PHONY: help demo build test bench golden-check golden-print artwork screenshots fuzz fuzz-bundles tsan install uninstall format tidy clean
 
 help:
 	@echo "make demo         build, render the demo loop through three programs, say where everything lies"
@@ -13,12 +13,13 @@ help:
 	@echo "make golden-print  store today's anew; the commit says what is heard to differ"
 	@echo "make artwork      every bitmap of the editor and its font, from their sources"
 	@echo "make screenshots  pictures of the editor in all its states, into build/screenshots"
-	@echo "make fuzz         libFuzzer on the session reader, for a minute"
+	@echo "make fuzz         libFuzzer on the session reader and the engine behind it, a minute each"
 	@echo "make fuzz-bundles 500,000 hostile sessions through each built bundle, within limits of memory and time"
 	@echo "make tsan         the concurrency tests under the thread sanitizer"
 	@echo "make install      bundles and renderer into your own folders, or below PREFIX (and DESTDIR)"
 	@echo "make uninstall    takes them away again, and nothing else; PREFIX and DESTDIR as before"
 	@echo "make format       lay the sources out as .clang-format says"
+	@echo "make tidy         clang-tidy over source/; what has not changed since it was found clean is passed over"
 
 demo: build
 	@scripts/demo.sh
@@ -28,7 +29,7 @@ build:
 	@scripts/build.sh
 
 test:
-	@scripts/install-packages.sh build test format
+	@scripts/install-packages.sh build test bench fuzz format
 	@scripts/test.sh
 
 bench:
@@ -67,6 +68,12 @@ uninstall:
 format:
 	@scripts/install-packages.sh format
 	@git ls-files '*.h' '*.cpp' | xargs clang-format -i
+
+tidy:
+	@scripts/install-packages.sh build test format
+	@cmake --preset release -DCORVANE_TESTS=ON
+	@cmake --build --preset release --target corvane_assets
+	@python3 tests/checks/check_tidy.py build/release
 
 clean:
 	rm -rf build demo-output

@@ -14,7 +14,7 @@ packages_of() {
         bench)  echo "libbenchmark-dev" ;;
         artwork) echo "povray povray-includes python3-cairo python3-fontforge python3-numpy python3-pil python3-scipy" \
                       "fonts-urw-base35 optipng" ;;
-        format) echo "clang-format" ;;
+        format) echo "clang-format clang-tidy" ;;
         *)      echo "install-packages.sh: no group '$1'" >&2; exit 2 ;;
     esac
 }

@@ -10,6 +10,7 @@ class SystemNoise : public NoiseSource
 public:
     std::int32_t next() noexcept override
     {
+        // NOLINTNEXTLINE(concurrency-mt-unsafe): draws in any order are noise, and the library locks by itself
         const auto drawn = std::rand();
 
         // Some C libraries draw 15 bits only: they are moved to the top of the 31.

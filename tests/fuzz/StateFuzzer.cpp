@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Session blocks made by a fuzzer: the reader, the record and the writer. What such a session does to the sound is
-// EngineFuzzer.cpp, which is fifty times as slow.
+// EngineFuzzer.cpp, which is far slower.
 #include "SessionRules.h"
 
 using namespace SessionRules;
