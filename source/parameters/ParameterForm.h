@@ -46,12 +46,12 @@ struct ParameterForm
 
     Kind kind = Kind::choice;
     Words words {};
-    const char* unit = "";                  // of numbers
+    const char* unit = "";                  // of numbers; none where it takes words alone
     int lowest = 0, highest = 0;            // in the unit
     int step = 0;                           // between the points that the control knows; 0 is none
     const char* example = "";               // a number with its unit
     float (*normalised) (double) = nullptr; // from a number in the unit
     const char* mapping = "";               // from a position x to a value, for people
 
-    constexpr bool takesNumbers() const noexcept { return normalised != nullptr; }
+    constexpr bool takesNumbers() const noexcept { return unit[0] != '\0'; }
 };
