@@ -78,7 +78,8 @@ TEST (WrapperState, DecodesWhatTheFrameworkEncodes)
             block[i] = static_cast<char> (i * 37 + size);
 
         ASSERT_TRUE (WrapperState::fromText (block.toBase64Encoding(), back)) << size;
-        EXPECT_EQ (back, block) << size;
+        ASSERT_EQ (back.getSize(), block.getSize());
+        EXPECT_TRUE (size == 0 || back == block) << size; // the framework's own comparison wants bytes
     }
 }
 

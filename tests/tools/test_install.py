@@ -34,9 +34,9 @@ OWN = {"lib/vst3": ".vst3", "lib/lv2": ".lv2", "bin": ".local/bin", "share": ".l
 
 
 def load():
-    spec = importlib.util.spec_from_file_location("install", SCRIPT)
-    module = importlib.util.module_from_spec(spec)
-    spec.loader.exec_module(module)
+    found = importlib.util.spec_from_file_location("install", SCRIPT)
+    module = importlib.util.module_from_spec(found)
+    found.loader.exec_module(module)
     return module
 
 
