@@ -5,7 +5,7 @@
 int CorvaneQ7AudioProcessor::factorToBuild() const noexcept
 {
     // A session may ask for any number; what is built stays within what the filters are made for.
-    return juce::jlimit (1, UserDefaults::maxOversampling, oversamplingRequested.load());
+    return juce::jlimit (1, UserDefaults::maxOversampling, oversamplingCurrent);
 }
 
 void CorvaneQ7AudioProcessor::reconfigure (double sampleRate)
